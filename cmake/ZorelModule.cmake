@@ -1,0 +1,63 @@
+# One way to declare each kind of target, with its dependencies as the first thing one reads.
+#
+#   zorel_module(backend/protocol DEPENDS Qt6::Core SOURCES EventDecoder.cpp ...)
+#
+# makes the static library `backend_protocol` with the alias `zorel::backend_protocol` for the folder of that name. Include paths
+# start at the repository root.
+
+# Target that compiles the precompiled header once; every module and test reuses it.
+function(zorel_shared_header target)
+  if(TARGET zorel_headers)
+    target_precompile_headers(${target} REUSE_FROM zorel_headers)
+  endif()
+endfunction()
+
+function(zorel_declare_shared_header)
+  file(WRITE "${PROJECT_BINARY_DIR}/zorel_headers.cpp" "")
+  add_library(zorel_headers STATIC "${PROJECT_BINARY_DIR}/zorel_headers.cpp")
+  target_link_libraries(zorel_headers PRIVATE Qt6::Core)
+  target_precompile_headers(zorel_headers PRIVATE <QtCore/QObject> <QtCore/QString> <QtCore/QByteArray> <QtCore/QHash>
+    <QtCore/QJsonObject> <algorithm> <deque> <functional> <memory> <optional> <string> <string_view> <variant> <vector>)
+endfunction()
+
+function(zorel_module folder)
+  cmake_parse_arguments(PARSE_ARGV 1 module "" "" "DEPENDS;SOURCES")
+  if(NOT TARGET zorel_headers)
+    zorel_declare_shared_header()
+  endif()
+  string(REPLACE "/" "_" target "${folder}")
+  add_library(${target} STATIC ${module_SOURCES})
+  add_library(zorel::${target} ALIAS ${target})
+  set_target_properties(${target} PROPERTIES AUTOMOC ON)
+  target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${target} PUBLIC ${module_DEPENDS})
+  zorel_shared_header(${target})
+endfunction()
+
+function(zorel_executable target)
+  cmake_parse_arguments(PARSE_ARGV 1 executable "" "" "DEPENDS;SOURCES")
+  add_executable(${target} ${executable_SOURCES})
+  target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${target} PRIVATE ${executable_DEPENDS})
+endfunction()
+
+# A Qt Test executable, one test class a file: zorel_test(EventDecoderTest DEPENDS zorel::backend_protocol).
+# The ctest name is the folder below tests/ and the class: backend/protocol/EventDecoderTest.
+function(zorel_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 test "" "TIMEOUT" "DEPENDS;SOURCES;ENVIRONMENT")
+  if(NOT test_TIMEOUT)
+    set(test_TIMEOUT 120)
+  endif()
+  cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY "${PROJECT_SOURCE_DIR}/tests" OUTPUT_VARIABLE folder)
+  add_executable(${name} ${name}.cpp ${test_SOURCES})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${name} PRIVATE Qt6::Test ${test_DEPENDS})
+  zorel_shared_header(${name})
+  add_test(NAME ${folder}/${name} COMMAND ${name})
+  # A home of its own: no test may read or write the user's.
+  set(home "${CMAKE_CURRENT_BINARY_DIR}/${name}.home")
+  file(MAKE_DIRECTORY "${home}")
+  set_tests_properties(${folder}/${name} PROPERTIES TIMEOUT ${test_TIMEOUT}
+    ENVIRONMENT "HOME=${home};XDG_CONFIG_HOME=${home}/.config;QT_QPA_PLATFORM=offscreen;${test_ENVIRONMENT}")
+endfunction()

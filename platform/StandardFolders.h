@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+namespace zorel::platform {
+
+/// The user's folders, absolute and without a trailing slash. Handed in, so that no test meets the real home folder.
+struct StandardFolders
+{
+    QString home;
+    QString documents;          ///< home/Documents
+    QString applicationSupport; ///< home/Library/Application Support
+    QString caches;             ///< home/Library/Caches
+
+    bool operator==(const StandardFolders &) const = default;
+
+    /// The folders below `home`, as every system of ours lays them out.
+    static StandardFolders below(const QString &home);
+    /// The folders of the user who runs this process.
+    static StandardFolders current();
+};
+
+/// `path` with a leading "~" or "~/" replaced by `home`; every other path as it stands.
+QString expandTilde(const QString &path, const QString &home);
+
+} // namespace zorel::platform
