@@ -13,8 +13,8 @@ std::int64_t countArchivedRuns(const QString &finishedModelsPath)
     std::filesystem::directory_iterator entry(QFile::encodeName(finishedModelsPath).toStdString(), error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         std::error_code ignored;
-        if (entry->is_directory(ignored)
-            && std::filesystem::is_regular_file(entry->path() / "manifest.json", ignored)) {
+        if (entry->is_directory(ignored) &&
+            std::filesystem::is_regular_file(entry->path() / "manifest.json", ignored)) {
             ++count;
         }
     }

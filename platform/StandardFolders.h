@@ -4,7 +4,8 @@
 
 namespace zorel::platform {
 
-/// The user's folders, absolute and without a trailing slash. Handed in, so that no test meets the real home folder.
+/// The user's folders, absolute and without a trailing slash. Handed in, so that no test meets the real home
+/// folder.
 struct StandardFolders
 {
     QString home;

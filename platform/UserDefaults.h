@@ -15,7 +15,8 @@ public:
 
     /// Nothing when the key is absent or its value is not a string.
     virtual std::optional<QString> string(const QString &key) const = 0;
-    /// Takes effect at once for every reader of this process; a store that cannot be written keeps the value in memory.
+    /// Takes effect at once for every reader of this process; a store that cannot be written keeps the value
+    /// in memory.
     virtual void setString(const QString &key, const QString &value) = 0;
 
     /// Nothing when the key is absent or its value is not a boolean.

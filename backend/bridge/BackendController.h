@@ -32,8 +32,9 @@ class CommandQueue;
 class LineReader;
 struct Line;
 
-/// Owns the training sidecar: finds, launches and drives it, and turns its output into the live training state that the screens and
-/// the terminal show. Reports nothing by exception; failures become log lines and `fatalError`. Main thread only.
+/// Owns the training sidecar: finds, launches and drives it, and turns its output into the live training
+/// state that the screens and the terminal show. Reports nothing by exception; failures become log lines and
+/// `fatalError`. Main thread only.
 class BackendController : public QObject
 {
     Q_OBJECT
@@ -44,7 +45,8 @@ public:
     /// A longer log line is cut here (UTF-16 units), so that the log's memory stays bounded.
     static constexpr qsizetype maximumLogLineLength = qsizetype{1} << 20;
 
-    /// What the controller needs from outside. `runAfter` calls the function on the main thread when the time has passed.
+    /// What the controller needs from outside. `runAfter` calls the function on the main thread when the time
+    /// has passed.
     struct Surroundings
     {
         std::function<SidecarHost()> host;
@@ -56,7 +58,8 @@ public:
     };
 
     /// `settings` must outlive the controller.
-    explicit BackendController(app::settings::ZorelSettings &settings, Surroundings surroundings = Surroundings::system());
+    explicit BackendController(app::settings::ZorelSettings &settings,
+                               Surroundings surroundings = Surroundings::system());
     /// Closes the child's standard input, which tells it that the application is gone; does not wait for it.
     ~BackendController() override;
 
@@ -103,13 +106,12 @@ public:
     void killSidecar();
     void appendLog(const QString &line);
     /// Applies one decoded event.
-    void apply(const protocol::BackendEvent &event);
+    void apply(protocol::BackendEvent event);
 
 Q_SIGNALS:
     void statusChanged();
     void readyChanged();
-    /// The history changed in a way other than one appended point (with the oldest perhaps dropped).
-    void lossHistoryChanged();
+    /// The history grew by one point; with more than maximumLossPoints the oldest was dropped.
     void lossPointAppended(const zorel::backend::protocol::LossPoint &point);
     void liveNeuronsChanged();
     void finalNeuronsChanged();
@@ -136,17 +138,16 @@ private:
     QMap<QString, QString> childEnvironment() const;
     void reportSendFailure(const QString &reason);
 
-    void apply(const protocol::ReadyEvent &event);
-    void apply(const protocol::TrainStatusPayload &status);
-    void apply(const protocol::NeuronSnapshotPayload &snapshot);
-    void apply(const protocol::ArchivedModel &archive);
-    void apply(const protocol::BackendPaths &paths);
+    void applyReady(std::int64_t defaultMaxSteps);
+    void applyStatus(protocol::TrainStatusPayload status);
+    void applySnapshot(protocol::NeuronSnapshotPayload snapshot);
+    void applyArchive(const protocol::ArchivedModel &archive);
+    void applyPaths(const protocol::BackendPaths &paths);
 
     void followSelection(const protocol::NeuronSnapshotPayload &snapshot);
-    void recountAndRescan();
     void setReady(bool ready);
     void setFatalError(const std::optional<QString> &error);
-    void setStatus(const protocol::TrainStatusPayload &status);
+    void setStatus(protocol::TrainStatusPayload status);
     void setDesiredMaxSteps(std::int64_t steps);
     void setArchivedCount(std::int64_t count);
     void setRecentArchive(const std::optional<protocol::ArchivedModel> &archive);
@@ -172,6 +173,7 @@ private:
     QString m_scriptsRoot;
     protocol::EventDecoder m_decoder;
     std::unique_ptr<ChildProcess> m_process;
+    std::uint64_t m_launches = 0; ///< tells notices of the present child from those of an earlier one
     std::unique_ptr<CommandQueue> m_input;
     std::unique_ptr<LineReader> m_outputReader;
     std::unique_ptr<LineReader> m_errorReader;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "backend/bridge/Descriptor.h"
+
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -7,6 +9,7 @@
 
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include <sys/types.h>
 
@@ -28,17 +31,18 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The parent's ends of a child's standard channels, each close-on-exec. Whoever takes one closes it.
+/// The parent's ends of a child's standard channels.
 struct ChildPipes
 {
-    int input = -1;
-    int output = -1;
-    int error = -1;
+    Descriptor input;
+    Descriptor output;
+    Descriptor error;
 };
 
-/// A running child with pipes for its standard channels, in a process group of its own (a terminal's Ctrl-C does not reach it)
-/// and with no other descriptor of ours. Its exit is noticed by a thread of its own, also while a grandchild holds the pipes.
-/// Destroying the object leaves a running child alone and reaps it when it ends.
+/// A running child with pipes for its standard channels, in a process group of its own (a terminal's Ctrl-C
+/// does not reach it) and with no other descriptor of ours. Its exit is noticed by a thread of its own, also
+/// while a grandchild holds the pipes. Destroying the object leaves a running child alone and reaps it when
+/// it ends.
 class ChildProcess : public QObject
 {
     Q_OBJECT
@@ -48,15 +52,19 @@ public:
     explicit ChildProcess(const ChildProgram &program);
     ~ChildProcess() override;
 
-    ChildPipes pipes() const { return m_pipes; }
+    /// Hands the pipes over; to be called once.
+    ChildPipes takePipes() { return std::move(m_pipes); }
     pid_t processId() const { return m_processId; }
     /// Whether the child has not ended yet. May be called from any thread.
     bool isRunning() const;
-    /// Sends `signal` to the child unless it has ended.
+    /// As in `exited`; meaningless while the child runs.
+    int exitStatus() const;
+    /// Sends `signal` to the child and the processes of its group, unless the child has ended.
     void sendSignal(int signal) const;
 
 Q_SIGNALS:
-    /// The child ended; emitted once, on the owner's thread. `status` is its exit code, or the number of the signal that killed it.
+    /// The child ended; emitted once, on the owner's thread. `status` is its exit code, or the number of the
+    /// signal that killed it.
     void exited(int status);
 
 private:

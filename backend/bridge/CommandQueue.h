@@ -1,20 +1,23 @@
 #pragma once
 
+#include "backend/bridge/Descriptor.h"
+
 #include <QByteArray>
 #include <QObject>
 #include <QString>
 
 #include <deque>
-#include <functional>
 #include <memory>
+#include <optional>
 
 class QSocketNotifier;
 
 namespace zorel::backend::bridge {
 
-/// Writes commands to the child's standard input without ever waiting for it. What the child does not take at once is queued and
-/// written when it reads again; of the queued commands that set a value ("set_...") only the newest of each name is kept, so a child that
-/// never reads costs a bounded amount of memory. Owns the descriptor.
+/// Writes commands to the child's standard input without ever waiting for it. What the child does not take at
+/// once is queued and written when it reads again; of the queued commands that set a value ("set_...") only
+/// the newest of each name is kept, so a child that never reads costs a bounded amount of memory. Owns the
+/// descriptor.
 class CommandQueue : public QObject
 {
     Q_OBJECT
@@ -23,10 +26,11 @@ public:
     /// Commands other than "set_...", "stop" and "quit" that may wait; one more is refused.
     static constexpr std::size_t maximumWaiting = 256;
 
-    explicit CommandQueue(int descriptor);
+    explicit CommandQueue(Descriptor descriptor);
     ~CommandQueue() override;
 
-    /// Sends one whole line, in one write where the pipe has room. Nothing on success, otherwise why it cannot be sent.
+    /// Sends one whole line, in one write where the pipe has room. Nothing on success, otherwise why it
+    /// cannot be sent.
     std::optional<QString> send(const QString &name, const QByteArray &line);
 
 Q_SIGNALS:
@@ -44,9 +48,10 @@ private:
 
     WriteResult writeFront();
     void flush();
-    bool isFull(const QString &name) const;
+    void replaceWaiting(const QString &name);
+    bool isFull() const;
 
-    int m_descriptor;
+    Descriptor m_descriptor;
     std::deque<Waiting> m_waiting;
     qsizetype m_written = 0; ///< bytes of the front command that are already written
     std::unique_ptr<QSocketNotifier> m_notifier;

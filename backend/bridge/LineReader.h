@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QByteArray>
+#include "backend/bridge/Descriptor.h"
+
 #include <QObject>
 
 #include <cstddef>
@@ -20,31 +21,36 @@ struct Line
     bool truncated = false;
 };
 
-/// Turns a pipe into lines. A thread of its own reads and splits; complete lines are handed to the thread that created the
-/// reader, in order and in batches, so that the owner's event loop stays free. When the owner falls behind, reading stops until it has
-/// caught up: memory stays bounded and the writer at the other end is slowed down. Lines that are not valid UTF-8 are dropped; bytes
-/// after the last line feed are never delivered.
+/// Turns a pipe into lines. A thread of its own reads and splits; complete lines are handed to the thread
+/// that created the reader, in order and in batches, so that the owner's event loop stays free. When the
+/// owner falls behind, reading stops until it has caught up: memory stays bounded and the writer at the other
+/// end is slowed down. Lines that are not valid UTF-8 are dropped; bytes after the last line feed are never
+/// delivered.
 class LineReader : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Longest line that is delivered whole, in bytes. The rest of a longer one is thrown away up to its line feed.
+    /// Longest line that is delivered whole, in bytes. The rest of a longer one is thrown away up to its line
+    /// feed.
     static constexpr std::size_t maximumLineBytes = std::size_t{64} * 1024 * 1024;
-    /// How many bytes may be read but not yet handled before reading pauses (a single longer line is still let through).
+    /// How many bytes may be read but not yet handled before reading pauses (a single longer line is still
+    /// let through).
     static constexpr std::size_t maximumBytesInFlight = std::size_t{4} * 1024 * 1024;
 
     using Handler = std::function<void(const Line &)>;
 
-    /// Takes ownership of `descriptor`, the read end of a pipe, and starts reading. `handler` runs on the creating thread.
-    LineReader(int descriptor, Handler handler);
+    /// Takes ownership of `descriptor`, the read end of a pipe, and starts reading. `handler` runs on the
+    /// creating thread.
+    LineReader(Descriptor descriptor, Handler handler);
     /// Stops.
     ~LineReader() override;
 
     /// Ends reading and delivery at once; nothing is delivered afterwards.
     void stop();
 
-    /// Calls `callback` on the owner's thread once everything that the pipe held at the time of this call has been handled.
+    /// Calls `callback` on the owner's thread once everything that the pipe held at the time of this call has
+    /// been handled.
     void whenDrained(std::function<void()> callback);
 
 private:

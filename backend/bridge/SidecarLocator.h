@@ -24,8 +24,9 @@ struct SidecarHost
 
     std::function<bool(const QString &path)> fileExists;
     std::function<bool(const QString &path)> isExecutableFile;
-    /// Runs `program` with `arguments`, its outputs discarded and no input, and returns its exit status; nothing when it could not
-    /// be launched, was killed by a signal, or did not end within the probe's time limit. Blocks.
+    /// Runs `program` with `arguments`, its outputs discarded and no input, and returns its exit status;
+    /// nothing when it could not be launched, was killed by a signal, or did not end within the probe's time
+    /// limit. Blocks.
     std::function<std::optional<int>(const QString &program, const QStringList &arguments)> run;
 
     /// The real thing: this process's environment, bundle, file system and child processes.

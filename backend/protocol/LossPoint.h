@@ -7,8 +7,8 @@
 
 namespace zorel::backend::protocol {
 
-/// One point of a loss curve. `id` is drawn from a process-wide sequence of unique random-looking numbers when the point is
-/// created, and is never written anywhere.
+/// One point of a loss curve. `id` is drawn from a process-wide sequence of unique random-looking numbers
+/// when the point is created, and is never written anywhere.
 struct LossPoint
 {
     LossPoint(std::int64_t pointStep, double pointLoss);

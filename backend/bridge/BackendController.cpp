@@ -1,0 +1,473 @@
+#include "backend/bridge/BackendController.h"
+
+#include "app/settings/ZorelSettings.h"
+#include "backend/bridge/CommandQueue.h"
+#include "backend/bridge/LineReader.h"
+#include "backend/protocol/BadLine.h"
+#include "backend/protocol/CommandEncoder.h"
+#include "backend/protocol/Commands.h"
+#include "backend/protocol/Overloaded.h"
+#include "library/ArchivedRunCount.h"
+#include "library/RunLibrary.h"
+
+#include <QMetaMethod>
+#include <QProcessEnvironment>
+#include <QTimer>
+
+#include <algorithm>
+#include <csignal>
+#include <utility>
+
+namespace zorel::backend::bridge {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::milliseconds archiveNoticeDuration = 12s;
+/// What the sidecar is asked for before it has told its own default.
+constexpr std::int64_t initialMaxSteps = 50'000;
+
+std::string_view trimmed(std::string_view text)
+{
+    const std::size_t first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+QMap<QString, QString> systemEnvironment()
+{
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    QMap<QString, QString> variables;
+    for (const QString &name : environment.keys()) {
+        variables.insert(name, environment.value(name));
+    }
+    return variables;
+}
+
+protocol::TrainStatusPayload idleStatus(std::int64_t maxSteps)
+{
+    protocol::TrainStatusPayload status;
+    status.state = QStringLiteral("idle");
+    status.maxSteps = maxSteps;
+    return status;
+}
+
+} // namespace
+
+BackendController::Surroundings BackendController::Surroundings::system()
+{
+    return {
+        &SidecarHost::system,
+        &systemEnvironment,
+        [](std::chrono::milliseconds delay, QObject *context, std::function<void()> action) {
+            QTimer::singleShot(delay, context, std::move(action));
+        },
+    };
+}
+
+BackendController::BackendController(app::settings::ZorelSettings &settings, Surroundings surroundings)
+    : m_settings(settings)
+    , m_surroundings(std::move(surroundings))
+    , m_status(idleStatus(initialMaxSteps))
+    , m_desiredMaxSteps(initialMaxSteps)
+{}
+
+BackendController::~BackendController() = default;
+
+// Launching and ending
+
+void BackendController::launch()
+{
+    if (m_process && !m_process->isRunning()) {
+        handleExit(m_process->exitStatus());
+    }
+    if (m_process) {
+        return;
+    }
+    try {
+        const SidecarLocator located = SidecarLocator::locate(m_surroundings.host());
+        m_python = located.python;
+        m_scriptsRoot = located.scriptsRoot;
+    } catch (const LocateError &error) {
+        const QString text = QStringLiteral("failed to locate Python sidecar: ") + error.description();
+        setFatalError(text);
+        appendLog(QStringLiteral("× ") + text);
+        return;
+    }
+    appendLog(QStringLiteral("sidecar root → ") + m_scriptsRoot);
+    appendLog(QStringLiteral("starting Python backend (%1)").arg(m_python));
+    m_settings.ensureFoldersExist();
+
+    try {
+        attach(std::make_unique<ChildProcess>(ChildProgram{
+            m_python,
+            {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("src.app_backend")},
+            m_scriptsRoot,
+            childEnvironment(),
+        }));
+    } catch (const LaunchError &error) {
+        setFatalError(QStringLiteral("failed to launch Python backend: ") + QString::fromUtf8(error.what()));
+    }
+}
+
+QMap<QString, QString> BackendController::childEnvironment() const
+{
+    QMap<QString, QString> environment = m_surroundings.environment();
+    const QString home = environment.value(QStringLiteral("HOME"));
+    const QString path = environment.value(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
+    environment.insert(QStringLiteral("PATH"), home + QStringLiteral("/Library/Python/3.9/bin:") + path);
+    environment.insert(QStringLiteral("PYTHONUNBUFFERED"), QStringLiteral("1"));
+    environment.insert(m_settings.sidecarEnvironment());
+    return environment;
+}
+
+void BackendController::attach(std::unique_ptr<ChildProcess> process)
+{
+    // Readers of the last child may be on the call stack.
+    for (std::unique_ptr<LineReader> *reader : {&m_outputReader, &m_errorReader}) {
+        if (*reader) {
+            (*reader)->stop();
+            reader->release()->deleteLater();
+        }
+    }
+
+    ChildPipes pipes = process->takePipes();
+    m_process = std::move(process);
+    m_input = std::make_unique<CommandQueue>(std::move(pipes.input));
+    connect(m_input.get(), &CommandQueue::failed, this, &BackendController::reportSendFailure);
+    m_outputReader = std::make_unique<LineReader>(std::move(pipes.output),
+                                                  [this](const Line &line) { handleOutputLine(line); });
+    m_errorReader = std::make_unique<LineReader>(std::move(pipes.error), [this](const Line &line) {
+        appendLog(QStringLiteral("[py stderr] ") +
+                  QString::fromUtf8(line.text.data(), qsizetype(line.text.size())));
+    });
+
+    // What the child wrote before it ended is applied before its end is.
+    ++m_launches;
+    connect(m_process.get(), &ChildProcess::exited, this, [this, launch = m_launches](int status) {
+        const auto ifCurrent = [this, launch](const std::function<void()> &action) {
+            if (m_process && m_launches == launch) {
+                action();
+            }
+        };
+        const auto finish = [this, ifCurrent, status] {
+            ifCurrent([this, status] { handleExit(status); });
+        };
+        const auto drainErrors = [this, ifCurrent, finish] {
+            ifCurrent([this, finish] { m_errorReader->whenDrained(finish); });
+        };
+        ifCurrent([this, drainErrors] { m_outputReader->whenDrained(drainErrors); });
+    });
+}
+
+bool BackendController::isRunning() const
+{
+    return m_process && m_process->isRunning();
+}
+
+void BackendController::handleExit(int status)
+{
+    appendLog(QStringLiteral("backend exited (code %1)").arg(status));
+    m_input.reset();
+    // The child may be the sender of the signal that led here.
+    m_process.release()->deleteLater();
+    setReady(false);
+    Q_EMIT backendExited(status);
+}
+
+void BackendController::shutdown()
+{
+    sendCommand(QStringLiteral("stop"));
+    sendCommand(QStringLiteral("quit"));
+}
+
+void BackendController::killSidecar()
+{
+    if (m_process) {
+        m_process->sendSignal(SIGKILL);
+    }
+}
+
+// Commands
+
+void BackendController::send(const QJsonObject &command)
+{
+    const QJsonValue name = command.value(QLatin1String("cmd"));
+    if (!m_input || !isRunning()) {
+        appendLog(QStringLiteral("× send(%1) skipped — Python backend is not running")
+                      .arg(name.toString(QStringLiteral("?"))));
+        return;
+    }
+    if (const std::optional<QString> failure =
+            m_input->send(name.toString(), protocol::encodeCommand(command))) {
+        reportSendFailure(*failure);
+    }
+}
+
+void BackendController::reportSendFailure(const QString &reason)
+{
+    appendLog(QStringLiteral("× send failed: ") + reason);
+    if (m_input) {
+        m_input.release()->deleteLater();
+    }
+}
+
+void BackendController::sendCommand(const QString &name)
+{
+    send(protocol::simpleCommand(name));
+}
+
+void BackendController::startTraining(bool resume)
+{
+    if (!isRunning()) {
+        appendLog(QStringLiteral("× Python backend is not running — relaunching…"));
+        launch();
+        appendLog(QStringLiteral("× wait for “backend ready” in Recent activity, then press Start again"));
+        return;
+    }
+    if (!m_ready) {
+        appendLog(QStringLiteral("× Python backend is still starting — wait for “backend ready” in the log"));
+        return;
+    }
+    m_liveNeurons.reset();
+    Q_EMIT liveNeuronsChanged();
+    m_finalNeurons.reset();
+    Q_EMIT finalNeuronsChanged();
+    setSelectedNeuron(std::nullopt);
+    const QMap<QString, QString> profile = m_settings.trainingProfilePayload();
+    send(protocol::startCommand(m_desiredMaxSteps, resume, m_settings.modelIdentityPayload(),
+                                profile.value(QStringLiteral("model_family")),
+                                profile.value(QStringLiteral("training_capability"))));
+}
+
+void BackendController::setMaxSteps(std::int64_t steps)
+{
+    setDesiredMaxSteps(std::clamp(steps, protocol::minimumMaxSteps, protocol::maximumMaxSteps));
+    send(protocol::setMaxStepsCommand(m_desiredMaxSteps));
+}
+
+void BackendController::sendPaths()
+{
+    send(protocol::setPathsCommand(m_settings.expanded(m_settings.trainingDataPath()),
+                                   m_settings.expanded(m_settings.finishedModelsPath()),
+                                   m_settings.expanded(m_settings.modelRootPath())));
+    const QString finishedModels = m_settings.expanded(m_settings.finishedModelsPath());
+    setArchivedCount(library::countArchivedRuns(finishedModels));
+    if (m_libraryStore) {
+        m_libraryStore->scan(finishedModels);
+    }
+}
+
+void BackendController::sendModelIdentity()
+{
+    send(protocol::setModelIdentityCommand(m_settings.modelIdentityPayload()));
+}
+
+void BackendController::sendTrainingProfile()
+{
+    send(protocol::setTrainingProfileCommand(m_settings.trainingProfilePayload()));
+}
+
+// Events
+
+void BackendController::handleOutputLine(const Line &line)
+{
+    const std::string_view text = trimmed(line.text);
+    if (text.empty()) {
+        return;
+    }
+    static const QMetaMethod lineSignal = QMetaMethod::fromSignal(&BackendController::eventLineReceived);
+    if (isSignalConnected(lineSignal)) {
+        Q_EMIT eventLineReceived(QByteArray(text.data(), qsizetype(text.size())));
+    }
+    if (!line.truncated) {
+        const std::size_t readable = line.readable - static_cast<std::size_t>(text.data() - line.text.data());
+        auto decoded = m_decoder.decode(text, readable);
+        if (auto *event = std::get_if<protocol::BackendEvent>(&decoded)) {
+            apply(std::move(*event));
+            return;
+        }
+    }
+    appendLog(QStringLiteral("× bad event from backend: ") + protocol::startOfLine(text));
+}
+
+void BackendController::apply(protocol::BackendEvent event)
+{
+    std::visit(protocol::Overloaded{
+                   [this](const protocol::ReadyEvent &ready) { applyReady(ready.defaultMaxSteps); },
+                   [this](protocol::TrainStatusPayload &status) { applyStatus(std::move(status)); },
+                   [this](protocol::NeuronSnapshotPayload &snapshot) { applySnapshot(std::move(snapshot)); },
+                   [this](const protocol::LogEvent &log) { appendLog(log.msg); },
+                   [this](const protocol::ErrorEvent &error) {
+                       appendLog(QStringLiteral("× ERROR: ") + error.msg);
+                       Q_EMIT backendErrorReported(error.msg);
+                   },
+                   [this](const protocol::ArchivedModel &archive) { applyArchive(archive); },
+                   [this](const protocol::BackendPaths &paths) { applyPaths(paths); },
+                   [](const protocol::ModelIdentityEvent &) {},
+                   [this](const protocol::DoneEvent &) {
+                       appendLog(QStringLiteral("backend signalled done"));
+                       Q_EMIT backendDone();
+                   },
+               },
+               event);
+}
+
+void BackendController::applyReady(std::int64_t defaultMaxSteps)
+{
+    setReady(true);
+    setFatalError(std::nullopt);
+    setDesiredMaxSteps(defaultMaxSteps);
+    setStatus(idleStatus(defaultMaxSteps));
+    appendLog(QStringLiteral("backend ready (default max_steps = %1)").arg(defaultMaxSteps));
+    sendPaths();
+    sendModelIdentity();
+    sendTrainingProfile();
+}
+
+void BackendController::applyStatus(protocol::TrainStatusPayload status)
+{
+    if (status.loss > 0 && status.step != (m_lossHistory.empty() ? -1 : m_lossHistory.back().step)) {
+        m_lossHistory.emplace_back(status.step, status.loss);
+        if (m_lossHistory.size() > maximumLossPoints) {
+            m_lossHistory.pop_front();
+        }
+        Q_EMIT lossPointAppended(m_lossHistory.back());
+    }
+    setStatus(std::move(status));
+    if (m_status.state != QLatin1String("idle")) {
+        setDesiredMaxSteps(m_status.maxSteps);
+    }
+}
+
+void BackendController::applySnapshot(protocol::NeuronSnapshotPayload snapshot)
+{
+    const bool final = snapshot.final;
+    std::optional<protocol::NeuronSnapshotPayload> &destination = final ? m_finalNeurons : m_liveNeurons;
+    destination = std::move(snapshot);
+    if (final) {
+        Q_EMIT finalNeuronsChanged();
+    } else {
+        Q_EMIT liveNeuronsChanged();
+    }
+    followSelection(*destination);
+}
+
+void BackendController::followSelection(const protocol::NeuronSnapshotPayload &snapshot)
+{
+    if (!m_selectedNeuron) {
+        return;
+    }
+    const auto layer =
+        std::ranges::find(snapshot.layers, m_selectedNeuron->layer, &protocol::LayerNeurons::layer);
+    if (layer == snapshot.layers.end()) {
+        return;
+    }
+    const auto neuron =
+        std::ranges::find(layer->neurons, m_selectedNeuron->neuron.index, &protocol::VisualNeuron::index);
+    if (neuron != layer->neurons.end()) {
+        setSelectedNeuron(protocol::NeuronSelection{layer->layer, *neuron});
+    }
+}
+
+void BackendController::applyArchive(const protocol::ArchivedModel &archive)
+{
+    setArchivedCount(m_archivedCount + 1);
+    setRecentArchive(archive);
+    const QString finishedModels = m_settings.expanded(m_settings.finishedModelsPath());
+    if (m_libraryStore) {
+        m_libraryStore->scan(finishedModels);
+    }
+    setArchivedCount(library::countArchivedRuns(finishedModels));
+    appendLog(QStringLiteral("✓ archived model → ") + archive.path);
+    m_surroundings.runAfter(archiveNoticeDuration, this, [this, archive] {
+        if (m_recentArchive == archive) {
+            setRecentArchive(std::nullopt);
+        }
+    });
+}
+
+void BackendController::applyPaths(const protocol::BackendPaths &paths)
+{
+    appendLog(QStringLiteral("library: ") + paths.libraryRoot);
+    appendLog(QStringLiteral("  training data → ") + paths.trainingData);
+    appendLog(QStringLiteral("  finished models → ") + paths.finishedModels);
+    appendLog(QStringLiteral("  model working dir → ") + paths.modelRoot);
+}
+
+// Published state
+
+void BackendController::appendLog(const QString &line)
+{
+    m_logLines.push_back(line.size() > maximumLogLineLength ? line.left(maximumLogLineLength) : line);
+    if (m_logLines.size() > maximumLogLines) {
+        m_logLines.pop_front();
+    }
+    Q_EMIT logLineAppended(m_logLines.back());
+}
+
+void BackendController::setLibraryStore(library::RunLibrary *store)
+{
+    m_libraryStore = store;
+}
+
+void BackendController::setStatus(protocol::TrainStatusPayload status)
+{
+    m_status = std::move(status);
+    Q_EMIT statusChanged();
+}
+
+void BackendController::setReady(bool ready)
+{
+    if (std::exchange(m_ready, ready) != ready) {
+        Q_EMIT readyChanged();
+    }
+}
+
+void BackendController::setFatalError(const std::optional<QString> &error)
+{
+    if (std::exchange(m_fatalError, error) != error) {
+        Q_EMIT fatalErrorChanged();
+    }
+}
+
+void BackendController::setSelectedNeuron(const std::optional<protocol::NeuronSelection> &selection)
+{
+    if (m_selectedNeuron != selection) {
+        m_selectedNeuron = selection;
+        Q_EMIT selectedNeuronChanged();
+    }
+}
+
+void BackendController::setRecentArchive(const std::optional<protocol::ArchivedModel> &archive)
+{
+    if (std::exchange(m_recentArchive, archive) != archive) {
+        Q_EMIT recentArchiveChanged();
+    }
+}
+
+void BackendController::setArchivedCount(std::int64_t count)
+{
+    if (std::exchange(m_archivedCount, count) != count) {
+        Q_EMIT archivedCountChanged();
+    }
+}
+
+void BackendController::setDesiredMaxSteps(std::int64_t steps)
+{
+    if (std::exchange(m_desiredMaxSteps, steps) != steps) {
+        Q_EMIT desiredMaxStepsChanged();
+    }
+}
+
+void BackendController::setShowModelLibrary(bool show)
+{
+    if (std::exchange(m_showModelLibrary, show) != show) {
+        Q_EMIT showModelLibraryChanged();
+    }
+}
+
+} // namespace zorel::backend::bridge

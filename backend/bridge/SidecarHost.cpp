@@ -1,0 +1,64 @@
+#include "backend/bridge/SidecarLocator.h"
+#include "platform/Bundle.h"
+#include "platform/StandardFolders.h"
+
+#include <QFileInfo>
+#include <QProcess>
+
+#include <chrono>
+
+namespace zorel::backend::bridge {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// An interpreter that has not imported MLX by then counts as one without it.
+constexpr std::chrono::milliseconds probeLimit = 60s;
+
+std::optional<int> runProbe(const QString &program, const QStringList &arguments)
+{
+    QProcess probe;
+    probe.setProgram(program);
+    probe.setArguments(arguments);
+    probe.setStandardInputFile(QProcess::nullDevice());
+    probe.setStandardOutputFile(QProcess::nullDevice());
+    probe.setStandardErrorFile(QProcess::nullDevice());
+    probe.start();
+    if (!probe.waitForFinished(static_cast<int>(probeLimit.count()))) {
+        probe.kill();
+        probe.waitForFinished(-1);
+        return std::nullopt;
+    }
+    return probe.exitStatus() == QProcess::NormalExit ? std::optional(probe.exitCode()) : std::nullopt;
+}
+
+bool isExecutableFile(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.isFile() && file.isExecutable();
+}
+
+} // namespace
+
+SidecarHost SidecarHost::system()
+{
+    SidecarHost host;
+    if (qEnvironmentVariableIsSet("ZOREL_SCRIPTS_ROOT")) {
+        host.scriptsRootOverride = qEnvironmentVariable("ZOREL_SCRIPTS_ROOT");
+    }
+    host.home = platform::StandardFolders::current().home;
+    if (const std::optional<platform::Bundle> bundle = platform::mainBundle()) {
+        host.bundleResources = bundle->resources;
+        host.bundleParent = bundle->parent;
+    }
+    host.checkoutSidecar = QStringLiteral(ZOREL_CHECKOUT_SIDECAR);
+    host.fileExists = [](const QString &path) {
+        return QFileInfo::exists(path);
+    };
+    host.isExecutableFile = isExecutableFile;
+    host.run = runProbe;
+    return host;
+}
+
+} // namespace zorel::backend::bridge
