@@ -9,7 +9,8 @@ namespace zorel::backend::bridge {
 
 namespace {
 
-std::optional<int> runProbe(const QString &program, const QStringList &arguments, std::chrono::milliseconds limit)
+std::optional<int> runProbe(const QString &program, const QStringList &arguments,
+                            std::chrono::milliseconds limit)
 {
     QProcess probe;
     probe.setProgram(program);
@@ -26,7 +27,7 @@ std::optional<int> runProbe(const QString &program, const QStringList &arguments
     return probe.exitStatus() == QProcess::NormalExit ? std::optional(probe.exitCode()) : std::nullopt;
 }
 
-bool isExecutableFile(const QString &path)
+bool mayBeRun(const QString &path)
 {
     const QFileInfo file(path);
     return file.isFile() && file.isExecutable();
@@ -49,7 +50,7 @@ SidecarHost SidecarHost::system(std::chrono::milliseconds probeLimit)
     host.fileExists = [](const QString &path) {
         return QFileInfo::exists(path);
     };
-    host.isExecutableFile = isExecutableFile;
+    host.isExecutableFile = mayBeRun;
     host.run = [probeLimit](const QString &program, const QStringList &arguments) {
         return runProbe(program, arguments, probeLimit);
     };

@@ -30,8 +30,8 @@ struct SidecarHost
     /// limit. Blocks.
     std::function<std::optional<int>(const QString &program, const QStringList &arguments)> run;
 
-    /// The real thing: this process's environment, bundle, file system and child processes. A probe that has not ended after
-    /// `probeLimit` is killed.
+    /// The real thing: this process's environment, bundle, file system and child processes. A probe that has
+    /// not ended after `probeLimit` is killed.
     static SidecarHost system(std::chrono::milliseconds probeLimit = std::chrono::seconds(60));
 };
 

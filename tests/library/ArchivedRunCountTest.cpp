@@ -23,7 +23,8 @@ void ArchivedRunCountTest::onlyFoldersWithAManifestCount()
     for (const char *name : {"run-1", "run-2", "empty", "nested/run-3", "folder-manifest/manifest.json"}) {
         root.mkpath(QString::fromLatin1(name));
     }
-    for (const char *name : {"run-1/manifest.json", "run-2/manifest.json", "nested/run-3/manifest.json", "manifest.json"}) {
+    for (const char *name :
+         {"run-1/manifest.json", "run-2/manifest.json", "nested/run-3/manifest.json", "manifest.json"}) {
         QFile file(root.filePath(QString::fromLatin1(name)));
         QVERIFY(file.open(QIODevice::WriteOnly));
     }

@@ -31,11 +31,17 @@ backend::bridge::BackendController::Surroundings FakeSidecar::surroundings()
         [this] {
             backend::bridge::SidecarHost host;
             host.scriptsRootOverride = root();
-            host.fileExists = [this](const QString &path) { return scriptsExist && QFileInfo::exists(path); };
+            host.fileExists = [this](const QString &path) {
+                return scriptsExist && QFileInfo::exists(path);
+            };
             // The search knows fixed places only; the interpreter to run stands in for the first of them.
             host.home = pathOf(QStringLiteral("home"));
-            host.isExecutableFile = [](const QString &) { return true; };
-            host.run = [](const QString &, const QStringList &) { return 0; };
+            host.isExecutableFile = [](const QString &) {
+                return true;
+            };
+            host.run = [](const QString &, const QStringList &) {
+                return 0;
+            };
             return host;
         },
         [this] { return m_environment; },

@@ -13,7 +13,8 @@
 
 namespace zorel::tests {
 
-/// A scripts root with the scripted sidecar in a temporary folder, and the surroundings that make a controller run it.
+/// A scripts root with the scripted sidecar in a temporary folder, and the surroundings that make a
+/// controller run it.
 class FakeSidecar
 {
 public:

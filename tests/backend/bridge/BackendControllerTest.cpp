@@ -1,5 +1,5 @@
-#include "app/settings/ZorelSettings.h"
 #include "backend/bridge/BackendController.h"
+#include "app/settings/ZorelSettings.h"
 #include "library/RunLibrary.h"
 #include "tests/support/FakeSidecar.h"
 #include "tests/support/InMemoryUserDefaults.h"
@@ -22,7 +22,8 @@ public:
     QStringList scans;
 };
 
-protocol::TrainStatusPayload status(const QString &state, std::int64_t step, double loss, std::int64_t maxSteps = 100)
+protocol::TrainStatusPayload status(const QString &state, std::int64_t step, double loss,
+                                    std::int64_t maxSteps = 100)
 {
     protocol::TrainStatusPayload payload;
     payload.state = state;
@@ -37,7 +38,8 @@ protocol::TrainStatusPayload running(std::int64_t step, double loss)
     return status(QStringLiteral("running"), step, loss);
 }
 
-protocol::NeuronSnapshotPayload snapshot(bool final, std::int64_t layer, std::int64_t index, double activation)
+protocol::NeuronSnapshotPayload snapshot(bool final, std::int64_t layer, std::int64_t index,
+                                         double activation)
 {
     protocol::NeuronSnapshotPayload payload;
     payload.final = final;
@@ -115,7 +117,8 @@ void BackendControllerTest::init()
 {
     m_sidecar = std::make_unique<tests::FakeSidecar>();
     m_store = std::make_unique<tests::InMemoryUserDefaults>();
-    m_settings = std::make_unique<app::settings::ZorelSettings>(*m_store, platform::StandardFolders::below(m_sidecar->root()));
+    m_settings = std::make_unique<app::settings::ZorelSettings>(
+        *m_store, platform::StandardFolders::below(m_sidecar->root()));
     m_controller = std::make_unique<BackendController>(*m_settings, m_sidecar->surroundings());
 }
 
@@ -226,7 +229,8 @@ void BackendControllerTest::anIdleStatusLeavesTheDesiredSteps()
 
 void BackendControllerTest::anyOtherStateTakesItsMaxStepsOver()
 {
-    for (const char *state : {"starting", "preparing", "running", "paused", "stopping", "done", "error", "unheard-of"}) {
+    for (const char *state :
+         {"starting", "preparing", "running", "paused", "stopping", "done", "error", "unheard-of"}) {
         m_controller->apply(protocol::ReadyEvent{500});
         m_controller->apply(status(QString::fromLatin1(state), 0, 0, 900));
         QCOMPARE(m_controller->desiredMaxSteps(), 900);
@@ -254,7 +258,8 @@ void BackendControllerTest::aLiveSnapshotLeavesTheFinalOne()
 
 void BackendControllerTest::theSelectionFollowsNewSnapshots()
 {
-    m_controller->setSelectedNeuron(protocol::NeuronSelection{3, {7, 0.1, 0, 63, protocol::NeuronActivityTier::inactive}});
+    m_controller->setSelectedNeuron(
+        protocol::NeuronSelection{3, {7, 0.1, 0, 63, protocol::NeuronActivityTier::inactive}});
     m_controller->apply(snapshot(false, 3, 7, 0.9));
     QCOMPARE(m_controller->selectedNeuron()->neuron.activation, 0.9);
     QVERIFY(m_controller->selectedNeuron()->neuron.tier == protocol::NeuronActivityTier::high);
@@ -297,10 +302,11 @@ void BackendControllerTest::errorEventsAreLoggedAndChangeNothingElse()
 
 void BackendControllerTest::pathsAreLoggedInFourLines()
 {
-    m_controller->apply(protocol::BackendPaths{QStringLiteral("/l"), QStringLiteral("/t"), QStringLiteral("/f"),
-                                               QStringLiteral("/m")});
+    m_controller->apply(protocol::BackendPaths{QStringLiteral("/l"), QStringLiteral("/t"),
+                                               QStringLiteral("/f"), QStringLiteral("/m")});
     QCOMPARE(log(), QStringList({QStringLiteral("library: /l"), QStringLiteral("  training data → /t"),
-                                 QStringLiteral("  finished models → /f"), QStringLiteral("  model working dir → /m")}));
+                                 QStringLiteral("  finished models → /f"),
+                                 QStringLiteral("  model working dir → /m")}));
 }
 
 void BackendControllerTest::doneIsLogged()
@@ -356,7 +362,9 @@ void BackendControllerTest::aNoticeTimerAfterTheControllersEndDoesNothing()
 {
     auto surroundings = BackendController::Surroundings::system();
     const QObject *guard = nullptr;
-    surroundings.runAfter = [&guard](std::chrono::milliseconds, QObject *context, std::function<void()>) { guard = context; };
+    surroundings.runAfter = [&guard](std::chrono::milliseconds, QObject *context, std::function<void()>) {
+        guard = context;
+    };
     BackendController controller(*m_settings, surroundings);
     controller.apply(archive(QStringLiteral("/a")));
     QCOMPARE(guard, &controller); // timers of a context object end with it
@@ -366,9 +374,10 @@ void BackendControllerTest::aSendWithoutChildIsSkippedWithItsName()
 {
     m_controller->sendCommand(QStringLiteral("toggle_pause"));
     m_controller->shutdown();
-    QCOMPARE(log(), QStringList({QStringLiteral("× send(toggle_pause) skipped — Python backend is not running"),
-                                 QStringLiteral("× send(stop) skipped — Python backend is not running"),
-                                 QStringLiteral("× send(quit) skipped — Python backend is not running")}));
+    QCOMPARE(log(),
+             QStringList({QStringLiteral("× send(toggle_pause) skipped — Python backend is not running"),
+                          QStringLiteral("× send(stop) skipped — Python backend is not running"),
+                          QStringLiteral("× send(quit) skipped — Python backend is not running")}));
 }
 
 void BackendControllerTest::aSendWithoutNameIsSkippedWithAQuestionMark()
@@ -395,7 +404,8 @@ void BackendControllerTest::maxStepsAreClamped()
     QFETCH(qint64, kept);
     m_controller->setMaxSteps(asked);
     QCOMPARE(m_controller->desiredMaxSteps(), kept);
-    QCOMPARE(log(), QStringList{QStringLiteral("× send(set_max_steps) skipped — Python backend is not running")});
+    QCOMPARE(log(),
+             QStringList{QStringLiteral("× send(set_max_steps) skipped — Python backend is not running")});
 }
 
 void BackendControllerTest::aVanishedLibraryIsNotAsked()
@@ -418,8 +428,8 @@ void BackendControllerTest::launchWithoutScriptsIsAFatalError()
 {
     m_sidecar->scriptsExist = false;
     m_controller->launch();
-    const QString text = QStringLiteral("failed to locate Python sidecar: Training scripts not found at ")
-                         + m_sidecar->root();
+    const QString text =
+        QStringLiteral("failed to locate Python sidecar: Training scripts not found at ") + m_sidecar->root();
     QCOMPARE(m_controller->fatalError(), std::optional(text));
     QCOMPARE(log(), QStringList{QStringLiteral("× ") + text});
     QVERIFY(!m_controller->isRunning());
@@ -432,8 +442,8 @@ void BackendControllerTest::launchOfABrokenInterpreterIsAFatalError()
     m_controller->launch();
     const QString python = m_sidecar->pathOf(QStringLiteral("home/Library/Python/3.12/bin/python3"));
     QCOMPARE(m_controller->fatalError(),
-             std::optional(QStringLiteral("failed to launch Python backend: ") + python
-                           + QStringLiteral(": No such file or directory")));
+             std::optional(QStringLiteral("failed to launch Python backend: ") + python +
+                           QStringLiteral(": No such file or directory")));
     QCOMPARE(log(), QStringList({QStringLiteral("sidecar root → ") + m_sidecar->root(),
                                  QStringLiteral("starting Python backend (%1)").arg(python)}));
     QVERIFY(!m_controller->isRunning());

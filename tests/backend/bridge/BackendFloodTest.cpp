@@ -56,11 +56,12 @@ void BackendFloodTest::everyLineIsAppliedInOrderInBoundedMemory()
                              {QStringLiteral("grad_norm"), 1},
                              {QStringLiteral("tokens_per_sec"), 5000},
                              {QStringLiteral("elapsed_s"), 10}};
-    sidecar.play({step(QStringLiteral("flood"), QJsonObject{{QStringLiteral("emit"), status},
-                                                            {QStringLiteral("count"), double(floodLines)},
-                                                            {QStringLiteral("counter"), QStringLiteral("step")},
-                                                            {QStringLiteral("stderr"), double(floodLines)}}),
-                  step(QStringLiteral("exit"), 0)});
+    sidecar.play(
+        {step(QStringLiteral("flood"), QJsonObject{{QStringLiteral("emit"), status},
+                                                   {QStringLiteral("count"), double(floodLines)},
+                                                   {QStringLiteral("counter"), QStringLiteral("step")},
+                                                   {QStringLiteral("stderr"), double(floodLines)}}),
+         step(QStringLiteral("exit"), 0)});
 
     std::int64_t nextStep = 0;
     std::int64_t nextLine = 0;

@@ -29,8 +29,8 @@ QJsonObject emitReady()
 
 QJsonObject logEvent(const QString &message)
 {
-    return step(QStringLiteral("emit"),
-                QJsonObject{{QStringLiteral("event"), QStringLiteral("log")}, {QStringLiteral("msg"), message}});
+    return step(QStringLiteral("emit"), QJsonObject{{QStringLiteral("event"), QStringLiteral("log")},
+                                                    {QStringLiteral("msg"), message}});
 }
 
 QJsonObject await(const QString &name)
@@ -101,7 +101,8 @@ void BackendProcessTest::init()
 {
     m_sidecar = std::make_unique<tests::FakeSidecar>();
     m_store = std::make_unique<tests::InMemoryUserDefaults>();
-    m_settings = std::make_unique<app::settings::ZorelSettings>(*m_store, platform::StandardFolders::below(m_sidecar->root()));
+    m_settings = std::make_unique<app::settings::ZorelSettings>(
+        *m_store, platform::StandardFolders::below(m_sidecar->root()));
     m_controller = std::make_unique<BackendController>(*m_settings, m_sidecar->surroundings());
 }
 
@@ -160,7 +161,8 @@ void BackendProcessTest::theChildGetsItsArgumentsFolderAndEnvironment()
     QCOMPARE(environment.value(QLatin1String("PYTHONUNBUFFERED")).toString(), QStringLiteral("1"));
     QCOMPARE(environment.value(QLatin1String("KEPT")).toString(), QStringLiteral("yes"));
     QCOMPARE(environment.value(QLatin1String("ZOREL_DATA_ROOT")).toString(), m_settings->trainingDataPath());
-    QCOMPARE(environment.value(QLatin1String("ZOREL_FINISHED_MODELS_ROOT")).toString(), m_settings->finishedModelsPath());
+    QCOMPARE(environment.value(QLatin1String("ZOREL_FINISHED_MODELS_ROOT")).toString(),
+             m_settings->finishedModelsPath());
     QCOMPARE(environment.value(QLatin1String("ZOREL_MODEL_ROOT")).toString(),
              m_sidecar->root() + QStringLiteral("/Modell \"ü\""));
 }
@@ -170,8 +172,9 @@ void BackendProcessTest::anUnsetPathAndHomeGetTheirDefaults()
     const QString report = m_sidecar->pathOf(QStringLiteral("report.json"));
     const QString scenario = QStringLiteral("[{\"report_to\":\"%1\"}]").arg(report);
     auto surroundings = m_sidecar->surroundings();
-    surroundings.environment
-        = [scenario] { return QMap<QString, QString>{{QStringLiteral("ZOREL_FAKE_SCENARIO"), scenario}}; };
+    surroundings.environment = [scenario] {
+        return QMap<QString, QString>{{QStringLiteral("ZOREL_FAKE_SCENARIO"), scenario}};
+    };
     m_controller = std::make_unique<BackendController>(*m_settings, surroundings);
     m_controller->launch();
     QTRY_VERIFY(QFile::exists(report));
@@ -184,30 +187,37 @@ void BackendProcessTest::readyIsAnsweredWithPathsIdentityAndProfile()
 {
     const QString echo = m_sidecar->pathOf(QStringLiteral("commands"));
     m_settings->setModelAuthor(QStringLiteral("  ada "));
-    play({step(QStringLiteral("echo_commands_to"), echo), emitReady(), await(QStringLiteral("set_training_profile"))});
+    play({step(QStringLiteral("echo_commands_to"), echo), emitReady(),
+          await(QStringLiteral("set_training_profile"))});
     QTRY_COMPARE(contentOf(echo).count('\n'), 3);
     const QList<QByteArray> lines = contentOf(echo).split('\n');
-    QCOMPARE(lines.at(0), QStringLiteral(R"({"cmd":"set_paths","finished_models":"%1","model_root":"%2","training_data":"%3"})")
-                              .arg(m_settings->finishedModelsPath(), m_settings->modelRootPath(), m_settings->trainingDataPath())
-                              .toUtf8());
-    QCOMPARE(lines.at(1), QByteArray(R"({"cmd":"set_model_identity","identity":{"author":"ada","license":"MIT",)"
-                                     R"("name":"MyModel","version":"1.0.0"}})"));
-    QCOMPARE(lines.at(2), QByteArray(R"({"cmd":"set_training_profile","profile":{"model_family":"text_language",)"
-                                     R"("training_capability":"pretrain"}})"));
+    QCOMPARE(
+        lines.at(0),
+        QStringLiteral(R"({"cmd":"set_paths","finished_models":"%1","model_root":"%2","training_data":"%3"})")
+            .arg(m_settings->finishedModelsPath(), m_settings->modelRootPath(),
+                 m_settings->trainingDataPath())
+            .toUtf8());
+    QCOMPARE(lines.at(1),
+             QByteArray(R"({"cmd":"set_model_identity","identity":{"author":"ada","license":"MIT",)"
+                        R"("name":"MyModel","version":"1.0.0"}})"));
+    QCOMPARE(lines.at(2),
+             QByteArray(R"({"cmd":"set_training_profile","profile":{"model_family":"text_language",)"
+                        R"("training_capability":"pretrain"}})"));
 }
 
 void BackendProcessTest::startSendsEverythingInSortedOrder()
 {
     const QString echo = m_sidecar->pathOf(QStringLiteral("commands"));
-    play({emitReady(), await(QStringLiteral("set_training_profile")), step(QStringLiteral("echo_commands_to"), echo),
-          await(QStringLiteral("start"))});
+    play({emitReady(), await(QStringLiteral("set_training_profile")),
+          step(QStringLiteral("echo_commands_to"), echo), await(QStringLiteral("start"))});
     QTRY_VERIFY(m_controller->ready());
     m_controller->startTraining(true);
-    QTRY_COMPARE(contentOf(echo),
-                 QByteArray(R"({"cmd":"start","max_steps":300,"model_family":"text_language",)"
-                            R"("model_identity":{"license":"MIT","name":"MyModel","version":"1.0.0"},"resume":true,)"
-                            R"("training_capability":"pretrain"})"
-                            "\n"));
+    QTRY_COMPARE(
+        contentOf(echo),
+        QByteArray(R"({"cmd":"start","max_steps":300,"model_family":"text_language",)"
+                   R"("model_identity":{"license":"MIT","name":"MyModel","version":"1.0.0"},"resume":true,)"
+                   R"("training_capability":"pretrain"})"
+                   "\n"));
 }
 
 void BackendProcessTest::startForgetsSnapshotsAndSelectionAndKeepsTheHistory()
@@ -237,7 +247,8 @@ void BackendProcessTest::startBeforeReadyIsRefusedInTheLog()
     const QString echo = m_sidecar->pathOf(QStringLiteral("commands"));
     play({step(QStringLiteral("echo_commands_to"), echo), await(QStringLiteral("quit"))});
     m_controller->startTraining(false);
-    QCOMPARE(log().constLast(), QStringLiteral("× Python backend is still starting — wait for “backend ready” in the log"));
+    QCOMPARE(log().constLast(),
+             QStringLiteral("× Python backend is still starting — wait for “backend ready” in the log"));
     m_controller->sendCommand(QStringLiteral("quit"));
     QTRY_VERIFY(!m_controller->isRunning());
     QCOMPARE(contentOf(echo), QByteArray("{\"cmd\":\"quit\"}\n"));
@@ -250,14 +261,16 @@ void BackendProcessTest::startAfterTheExitRelaunchesAndDoesNotTrain()
     QTRY_VERIFY(log().contains(QStringLiteral("backend exited (code 3)")));
     QVERIFY(!m_controller->ready());
 
-    m_sidecar->play({step(QStringLiteral("echo_commands_to"), echo), emitReady(), await(QStringLiteral("set_training_profile"))});
+    m_sidecar->play({step(QStringLiteral("echo_commands_to"), echo), emitReady(),
+                     await(QStringLiteral("set_training_profile"))});
     const auto before = m_controller->logLines().size();
     m_controller->startTraining(false);
     QVERIFY(m_controller->isRunning());
     const QStringList added = log().mid(qsizetype(before));
     QCOMPARE(added.constFirst(), QStringLiteral("× Python backend is not running — relaunching…"));
     QCOMPARE(added.at(1), QStringLiteral("sidecar root → ") + m_sidecar->root());
-    QCOMPARE(added.constLast(), QStringLiteral("× wait for “backend ready” in Recent activity, then press Start again"));
+    QCOMPARE(added.constLast(),
+             QStringLiteral("× wait for “backend ready” in Recent activity, then press Start again"));
     QTRY_VERIFY(m_controller->ready());
     QTRY_COMPARE(contentOf(echo).count('\n'), 3);
     QVERIFY(!contentOf(echo).contains("\"start\""));
@@ -278,15 +291,18 @@ void BackendProcessTest::badLinesAreLoggedByTheirStart()
     const QString longLine = QStringLiteral("bad ") + QString(296, QLatin1Char('x'));
     const QString nested = QString(10'000, QLatin1Char('['));
     play({step(QStringLiteral("raw"), QStringLiteral("  Traceback (most recent call last):\t\n")),
-          step(QStringLiteral("raw"), longLine + QLatin1Char('\n')), step(QStringLiteral("raw"), nested + QLatin1Char('\n')),
+          step(QStringLiteral("raw"), longLine + QLatin1Char('\n')),
+          step(QStringLiteral("raw"), nested + QLatin1Char('\n')),
           step(QStringLiteral("raw"), QStringLiteral("{\"event\":\"ready\",\"default_max_steps\":NaN}\n")),
-          step(QStringLiteral("raw"), QStringLiteral("{\"event\":\"unheard\"}\n")), logEvent(QStringLiteral("alive"))});
+          step(QStringLiteral("raw"), QStringLiteral("{\"event\":\"unheard\"}\n")),
+          logEvent(QStringLiteral("alive"))});
     QTRY_VERIFY(log().contains(QStringLiteral("alive")));
     const QString prefix = QStringLiteral("× bad event from backend: ");
-    QCOMPARE(log().mid(2), QStringList({prefix + QStringLiteral("Traceback (most recent call last):"),
-                                        prefix + longLine.left(120), prefix + nested.left(120),
-                                        prefix + QStringLiteral("{\"event\":\"ready\",\"default_max_steps\":NaN}"),
-                                        prefix + QStringLiteral("{\"event\":\"unheard\"}"), QStringLiteral("alive")}));
+    QCOMPARE(log().mid(2),
+             QStringList({prefix + QStringLiteral("Traceback (most recent call last):"),
+                          prefix + longLine.left(120), prefix + nested.left(120),
+                          prefix + QStringLiteral("{\"event\":\"ready\",\"default_max_steps\":NaN}"),
+                          prefix + QStringLiteral("{\"event\":\"unheard\"}"), QStringLiteral("alive")}));
     QVERIFY(!m_controller->ready());
 }
 
@@ -309,8 +325,9 @@ void BackendProcessTest::oddBytesAffectOnlyTheirLine()
         return step(QStringLiteral("raw_base64"), QString::fromLatin1(bytes.toBase64()));
     };
     play({raw("\xFF\xFE{\"event\":\"done\"}\n"), raw(QByteArray("{\"event\":\0}\n", 12)),
-          raw("\xEF\xBB\xBF{\"event\":\"log\",\"msg\":\"mark\"}\n"), raw("{\"event\":\"log\",\"msg\":\"windows\"}\r\n"),
-          raw("{\"event\":\"log\",\"msg\":\"caf\xC3"), raw("\xA9\"}\n"), logEvent(QStringLiteral("alive"))});
+          raw("\xEF\xBB\xBF{\"event\":\"log\",\"msg\":\"mark\"}\n"),
+          raw("{\"event\":\"log\",\"msg\":\"windows\"}\r\n"), raw("{\"event\":\"log\",\"msg\":\"caf\xC3"),
+          raw("\xA9\"}\n"), logEvent(QStringLiteral("alive"))});
     QTRY_VERIFY(log().contains(QStringLiteral("alive")));
     const QStringList lines = log().mid(2);
     QCOMPARE(lines.size(), 5);
@@ -349,8 +366,8 @@ void BackendProcessTest::theExitIsLoggedWithItsStatus()
 
 void BackendProcessTest::whatTheChildWroteLastComesBeforeItsExit()
 {
-    play({step(QStringLiteral("flood"), QJsonObject{{QStringLiteral("stderr"), 2000}}), logEvent(QStringLiteral("last words")),
-          step(QStringLiteral("exit"), 1)});
+    play({step(QStringLiteral("flood"), QJsonObject{{QStringLiteral("stderr"), 2000}}),
+          logEvent(QStringLiteral("last words")), step(QStringLiteral("exit"), 1)});
     QSignalSpy exited(m_controller.get(), &BackendController::backendExited);
     QVERIFY(exited.wait(30'000));
     QCOMPARE(log().constLast(), QStringLiteral("backend exited (code 1)"));
@@ -382,8 +399,9 @@ void BackendProcessTest::stopAndQuitReachAChildThatReadsLate()
 {
     const QString gate = m_sidecar->pathOf(QStringLiteral("gate"));
     const QString echo = m_sidecar->pathOf(QStringLiteral("commands"));
-    play({emitReady(), step(QStringLiteral("wait_for_file"), gate), step(QStringLiteral("echo_commands_to"), echo),
-          await(QStringLiteral("quit")), step(QStringLiteral("exit"), 0)});
+    play({emitReady(), step(QStringLiteral("wait_for_file"), gate),
+          step(QStringLiteral("echo_commands_to"), echo), await(QStringLiteral("quit")),
+          step(QStringLiteral("exit"), 0)});
     QTRY_VERIFY(m_controller->ready());
     // Far more than a pipe holds, while the child reads nothing.
     for (int edit = 0; edit < 500; ++edit) {

@@ -19,7 +19,9 @@ namespace {
 
 ChildProgram shell(const QString &script)
 {
-    return {QStringLiteral("/bin/sh"), {QStringLiteral("-c"), script}, QStringLiteral("/"),
+    return {QStringLiteral("/bin/sh"),
+            {QStringLiteral("-c"), script},
+            QStringLiteral("/"),
             {{QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin")}}};
 }
 
@@ -113,7 +115,8 @@ void ChildProcessTest::launchFailuresNameTheCause_data()
                              << QStringLiteral("/nowhere/python3: No such file or directory");
     QTest::newRow("not executable") << QStringLiteral("/etc/passwd") << here
                                     << QStringLiteral("/etc/passwd: Permission denied");
-    QTest::newRow("a folder") << QStringLiteral("/usr/bin") << here << QStringLiteral("/usr/bin: Permission denied");
+    QTest::newRow("a folder") << QStringLiteral("/usr/bin") << here
+                              << QStringLiteral("/usr/bin: Permission denied");
     QTest::newRow("working folder gone") << QStringLiteral("/bin/sh") << QStringLiteral("/nowhere")
                                          << QStringLiteral("the folder /nowhere does not exist");
 }
@@ -135,8 +138,9 @@ void ChildProcessTest::theChildSeesOnlyItsStandardChannels()
 {
     // One that is not close-on-exec, as a careless library may leave it.
     const Descriptor leaked(::open("/dev/null", O_RDONLY));
-    ChildProcess child(shell(QStringLiteral("for number in 0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19; do "
-                                            "{ true >&$number; } 2>/dev/null && printf '%s ' $number; done; exit 0")));
+    ChildProcess child(
+        shell(QStringLiteral("for number in 0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19; do "
+                             "{ true >&$number; } 2>/dev/null && printf '%s ' $number; done; exit 0")));
     ChildPipes pipes = child.takePipes();
     pipes.input.close();
     QCOMPARE(readAll(pipes.output), QByteArray("1 2 "));
@@ -162,7 +166,8 @@ void ChildProcessTest::theChildIsAloneInItsProcessGroup()
 
 void ChildProcessTest::theExitIsSeenWhileAGrandchildHoldsThePipes()
 {
-    // The grandchild is a process group of its own here, waits for the end of its input, and still holds the output.
+    // The grandchild is a process group of its own here, waits for the end of its input, and still holds the
+    // output.
     ChildProcess child(shell(QStringLiteral("{ read line; echo late; } <&0 & exit 7")));
     ChildPipes pipes = child.takePipes();
     QCOMPARE(statusOf(child), 7);

@@ -66,7 +66,9 @@ QByteArray CommandQueueTest::readUntil(const QByteArray &end)
         }
         return received.endsWith(end);
     };
-    [&] { QTRY_VERIFY(readSome()); }();
+    [&] {
+        QTRY_VERIFY(readSome());
+    }();
     return received;
 }
 
@@ -145,7 +147,8 @@ void CommandQueueTest::stopAndQuitAreTakenWhenTheQueueIsFull()
 void CommandQueueTest::aBrokenPipeIsReported()
 {
     m_pipe.readEnd.close();
-    const std::optional<QString> failure = m_queue->send(QStringLiteral("stop"), line(QStringLiteral("stop")));
+    const std::optional<QString> failure =
+        m_queue->send(QStringLiteral("stop"), line(QStringLiteral("stop")));
     QCOMPARE(failure.value_or(QString()), QStringLiteral("Broken pipe"));
 }
 

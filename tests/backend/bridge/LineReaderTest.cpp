@@ -31,7 +31,9 @@ struct Collector
     std::vector<std::string> lines;
     LineReader::Handler handler()
     {
-        return [this](const Line &line) { lines.emplace_back(line.text); };
+        return [this](const Line &line) {
+            lines.emplace_back(line.text);
+        };
     }
 };
 
@@ -91,7 +93,8 @@ void LineReaderTest::aLineOver64MiBIsCutAndReadingResumes()
 {
     Pipe pipe = Pipe::open();
     std::vector<bool> truncated;
-    LineReader reader(std::move(pipe.readEnd), [&](const Line &line) { truncated.push_back(line.truncated); });
+    LineReader reader(std::move(pipe.readEnd),
+                      [&](const Line &line) { truncated.push_back(line.truncated); });
     std::thread writer([&] {
         const std::string block(1024 * 1024, 'x');
         for (int count = 0; count < 80; ++count) {
@@ -110,7 +113,8 @@ void LineReaderTest::readingPausesWhileTheOwnerIsBehind()
     Pipe pipe = Pipe::open();
     Collector collector;
     LineReader reader(std::move(pipe.readEnd), collector.handler());
-    // This thread does not return to its event loop, so nothing is handled: the pipe must fill up and stay full.
+    // This thread does not return to its event loop, so nothing is handled: the pipe must fill up and stay
+    // full.
     pipe.writeEnd.setNonBlocking();
     const std::string line = std::string(1023, 'x') + "\n";
     std::size_t written = 0;

@@ -140,7 +140,8 @@ void LineSplitterTest::aPieceWithoutLineFeedIsNeverDelivered()
 void LineSplitterTest::aLineOverTheLimitIsDeliveredCutAndMarked()
 {
     const std::string stream = std::string(50'000, 'x') + "\nnext\n";
-    for (const std::vector<std::size_t> &cuts : {std::vector<std::size_t>{}, everyPosition(std::string(60, ' '))}) {
+    for (const std::vector<std::size_t> &cuts :
+         {std::vector<std::size_t>{}, everyPosition(std::string(60, ' '))}) {
         const std::vector<TakenLine> lines = linesOf(stream, cuts, 40'000);
         QCOMPARE(lines.size(), std::size_t{2});
         QVERIFY(lines[0].truncated);
@@ -198,7 +199,8 @@ void LineSplitterTest::paddingFollowsTheLastLine()
     LineSplitter splitter(limit);
     splitter.append("{}\n");
     const LineBatch batch = splitter.take();
-    QVERIFY(batch.bytes.size() - batch.lines.back().offset - batch.lines.back().length >= LineSplitter::padding);
+    QVERIFY(batch.bytes.size() - batch.lines.back().offset - batch.lines.back().length >=
+            LineSplitter::padding);
 }
 
 QTEST_GUILESS_MAIN(LineSplitterTest)

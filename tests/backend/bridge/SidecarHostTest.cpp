@@ -39,7 +39,9 @@ QString SidecarHostTest::script(const QString &text)
 {
     const QString path = m_folder.filePath(QStringLiteral("python%1").arg(++m_scripts));
     QFile file(path);
-    [&] { QVERIFY(file.open(QIODevice::WriteOnly)); }();
+    [&] {
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }();
     file.write("#!/bin/sh\n" + text.toUtf8() + "\n");
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return path;
@@ -81,7 +83,8 @@ void SidecarHostTest::theExitStatusOfTheProbeIsReturned()
     const SidecarHost host = SidecarHost::system();
     QCOMPARE(host.run(script(QStringLiteral("exit 0")), importMLX), std::optional(0));
     QCOMPARE(host.run(script(QStringLiteral("exit 1")), importMLX), std::optional(1));
-    const QString checksArguments = script(QStringLiteral("[ \"$1\" = -c ] && [ \"$2\" = 'import mlx' ] && [ $# = 2 ]"));
+    const QString checksArguments =
+        script(QStringLiteral("[ \"$1\" = -c ] && [ \"$2\" = 'import mlx' ] && [ $# = 2 ]"));
     QVERIFY(SidecarLocator::hasMLX(host, checksArguments));
 }
 

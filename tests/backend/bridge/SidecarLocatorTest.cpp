@@ -22,8 +22,12 @@ struct Machine
         host.bundleResources = QStringLiteral("/apps/Trainer.app/Contents/Resources");
         host.bundleParent = QStringLiteral("/apps");
         host.checkoutSidecar = QStringLiteral("/checkout/sidecar");
-        host.fileExists = [this](const QString &path) { return files.contains(path); };
-        host.isExecutableFile = [this](const QString &path) { return executables.contains(path); };
+        host.fileExists = [this](const QString &path) {
+            return files.contains(path);
+        };
+        host.isExecutableFile = [this](const QString &path) {
+            return executables.contains(path);
+        };
         host.run = [this](const QString &program, const QStringList &arguments) {
             if (arguments != QStringList{QStringLiteral("-c"), QStringLiteral("import mlx")}) {
                 qFatal("probed with other arguments");
@@ -45,7 +49,8 @@ struct Machine
     {
         try {
             const SidecarLocator found = SidecarLocator::locate(host);
-            return found.python + QStringLiteral(" | ") + found.backendScript + QStringLiteral(" | ") + found.scriptsRoot;
+            return found.python + QStringLiteral(" | ") + found.backendScript + QStringLiteral(" | ") +
+                   found.scriptsRoot;
         } catch (const LocateError &error) {
             return error.description();
         }
@@ -81,15 +86,17 @@ void SidecarLocatorTest::scriptsAreLookedForInOrder()
     Machine machine;
     machine.host.scriptsRootOverride = QStringLiteral("/override");
     QCOMPARE(SidecarLocator::scriptsRootCandidates(machine.host),
-             QStringList({QStringLiteral("/override"), QStringLiteral("/apps/Trainer.app/Contents/Resources/sidecar"),
+             QStringList({QStringLiteral("/override"),
+                          QStringLiteral("/apps/Trainer.app/Contents/Resources/sidecar"),
                           QStringLiteral("/apps/Training Scripts"), QStringLiteral("/checkout/sidecar")}));
 
     machine.addPython(systemPython, 0);
-    for (const QString &root : {QStringLiteral("/checkout/sidecar"), QStringLiteral("/apps/Training Scripts"),
-                                QStringLiteral("/apps/Trainer.app/Contents/Resources/sidecar"), QStringLiteral("/override")}) {
+    for (const QString &root :
+         {QStringLiteral("/checkout/sidecar"), QStringLiteral("/apps/Training Scripts"),
+          QStringLiteral("/apps/Trainer.app/Contents/Resources/sidecar"), QStringLiteral("/override")}) {
         machine.addScripts(root);
-        QCOMPARE(machine.outcome(), systemPython + QStringLiteral(" | ") + root
-                                        + QStringLiteral("/src/app_backend.py | ") + root);
+        QCOMPARE(machine.outcome(), systemPython + QStringLiteral(" | ") + root +
+                                        QStringLiteral("/src/app_backend.py | ") + root);
     }
 }
 
@@ -98,7 +105,8 @@ void SidecarLocatorTest::outsideABundleOnlyTheCheckoutRemains()
     Machine machine;
     machine.host.bundleResources.reset();
     machine.host.bundleParent.reset();
-    QCOMPARE(SidecarLocator::scriptsRootCandidates(machine.host), QStringList{QStringLiteral("/checkout/sidecar")});
+    QCOMPARE(SidecarLocator::scriptsRootCandidates(machine.host),
+             QStringList{QStringLiteral("/checkout/sidecar")});
 }
 
 void SidecarLocatorTest::anEmptyOverrideIsAFirstCandidateThatHoldsNothing()
@@ -151,8 +159,9 @@ void SidecarLocatorTest::interpretersAreTriedInOrder()
     for (const QString &python : expected) {
         machine.addPython(python, 1);
     }
-    QCOMPARE(machine.outcome(), QStringLiteral("No Python with MLX found. Tried: ") + expected.join(QStringLiteral(", "))
-                                    + QStringLiteral(". Install with: python3 -m pip install mlx"));
+    QCOMPARE(machine.outcome(), QStringLiteral("No Python with MLX found. Tried: ") +
+                                    expected.join(QStringLiteral(", ")) +
+                                    QStringLiteral(". Install with: python3 -m pip install mlx"));
     QCOMPARE(machine.probed, expected);
 }
 
@@ -173,7 +182,8 @@ void SidecarLocatorTest::interpretersAreProbedOnlyUntilOnePasses()
     machine.addPython(systemPython, 0);
     machine.addPython(QStringLiteral("/opt/homebrew/bin/python3"), 0);
     QVERIFY(machine.outcome().startsWith(systemPython));
-    QCOMPARE(machine.probed, QStringList({QStringLiteral("/home/ada/Library/Python/3.10/bin/python3"), systemPython}));
+    QCOMPARE(machine.probed,
+             QStringList({QStringLiteral("/home/ada/Library/Python/3.10/bin/python3"), systemPython}));
 }
 
 void SidecarLocatorTest::missingInterpretersAreNotListedAsTried()
