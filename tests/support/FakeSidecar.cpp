@@ -26,6 +26,7 @@ void FakeSidecar::play(const QJsonArray &scenario)
 
 backend::bridge::BackendController::Surroundings FakeSidecar::surroundings()
 {
+    QFile::remove(pathOf(QStringLiteral("home/Library/Python/3.12/bin/python3")));
     QFile::link(interpreter, pathOf(QStringLiteral("home/Library/Python/3.12/bin/python3")));
     return {
         [this] {

@@ -245,7 +245,8 @@ void BackendProcessTest::startForgetsSnapshotsAndSelectionAndKeepsTheHistory()
 void BackendProcessTest::startBeforeReadyIsRefusedInTheLog()
 {
     const QString echo = m_sidecar->pathOf(QStringLiteral("commands"));
-    play({step(QStringLiteral("echo_commands_to"), echo), await(QStringLiteral("quit"))});
+    play({step(QStringLiteral("echo_commands_to"), echo), await(QStringLiteral("quit")),
+          step(QStringLiteral("exit"), 0)});
     m_controller->startTraining(false);
     QCOMPARE(log().constLast(),
              QStringLiteral("× Python backend is still starting — wait for “backend ready” in the log"));

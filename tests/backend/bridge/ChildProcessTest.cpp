@@ -138,12 +138,17 @@ void ChildProcessTest::theChildSeesOnlyItsStandardChannels()
 {
     // One that is not close-on-exec, as a careless library may leave it.
     const Descriptor leaked(::open("/dev/null", O_RDONLY));
+    QVERIFY(leaked.isOpen());
+    const QString listing = QStringLiteral("import os\n"
+                                           "for number in range(256):\n"
+                                           "    try: os.fstat(number)\n"
+                                           "    except OSError: continue\n"
+                                           "    print(number, end=' ')\n");
     ChildProcess child(
-        shell(QStringLiteral("for number in 0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19; do "
-                             "{ true >&$number; } 2>/dev/null && printf '%s ' $number; done; exit 0")));
+        {QStringLiteral("/usr/bin/python3"), {QStringLiteral("-c"), listing}, QStringLiteral("/"), {}});
     ChildPipes pipes = child.takePipes();
     pipes.input.close();
-    QCOMPARE(readAll(pipes.output), QByteArray("1 2 "));
+    QCOMPARE(readAll(pipes.output), QByteArray("0 1 2 "));
     QCOMPARE(statusOf(child), 0);
 }
 
@@ -185,15 +190,18 @@ void ChildProcessTest::aThousandLaunchesLeaveNothingBehind()
     QCOMPARE(launchOnce(), 0);
     const QString descriptors = QStringLiteral("/dev/fd");
     const qsizetype before = entriesOf(descriptors);
+    const auto threads = [] {
+        return entriesOf(QStringLiteral("/proc/self/task"));
+    };
+    QTRY_VERIFY(threads() <= 2); // those of earlier tests are gone; QtTest has one that watches for hangs
+    const qsizetype threadsBefore = threads();
     for (int round = 0; round < 1000; ++round) {
         QCOMPARE(launchOnce(), 0);
     }
     QCOMPARE(entriesOf(descriptors), before);
     QCOMPARE(::waitpid(-1, nullptr, WNOHANG), pid_t{-1}); // no zombie, and no child at all
     QCOMPARE(errno, ECHILD);
-    if (QDir(QStringLiteral("/proc/self/task")).exists()) {
-        QTRY_COMPARE(entriesOf(QStringLiteral("/proc/self/task")), qsizetype{1});
-    }
+    QTRY_COMPARE(threads(), threadsBefore);
 }
 
 void ChildProcessTest::destroyingTheObjectLeavesTheChildRunning()

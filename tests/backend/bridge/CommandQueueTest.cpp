@@ -75,7 +75,7 @@ QByteArray CommandQueueTest::readUntil(const QByteArray &end)
 void CommandQueueTest::fillPipe()
 {
     // One command that is larger than any pipe is half written and blocks what follows.
-    QVERIFY(!m_queue->send(QStringLiteral("toggle_pause"), line(QStringLiteral("front"), 1 << 20)));
+    QVERIFY(!m_queue->send(QStringLiteral("toggle_pause"), line(QStringLiteral("front"), 1 << 18)));
 }
 
 void CommandQueueTest::aCommandIsWrittenAtOnce()
@@ -113,12 +113,12 @@ void CommandQueueTest::onlyTheNewestWaitingValueIsSent()
 void CommandQueueTest::aHalfWrittenCommandIsFinished()
 {
     const QString name = QStringLiteral("set_model_identity");
-    QVERIFY(!m_queue->send(name, line(QStringLiteral("first"), 1 << 20)));
+    QVERIFY(!m_queue->send(name, line(QStringLiteral("first"), 1 << 18)));
     QVERIFY(!m_queue->send(name, line(QStringLiteral("second"))));
     const QByteArray received = readUntil("second\n");
     QVERIFY(received.startsWith("first "));
     QCOMPARE(received.count('\n'), 2);
-    QCOMPARE(received.size(), 5 + (1 << 20) + 1 + 7);
+    QCOMPARE(received.size(), 5 + (1 << 18) + 1 + 7);
 }
 
 void CommandQueueTest::aChildThatNeverReadsCostsBoundedMemory()
