@@ -4,7 +4,8 @@
 
 namespace zorel::platform {
 
-/// The user's folders, absolute and without a trailing slash. Handed in, so that no test meets the real home folder.
+/// The user's folders, absolute and without a trailing slash. Handed in, so that no test meets the real home
+/// folder.
 struct StandardFolders
 {
     QString home;
@@ -20,7 +21,9 @@ struct StandardFolders
     static StandardFolders current();
 };
 
-/// `path` with a leading "~" or "~/" replaced by `home`; every other path as it stands.
+/// `path` with a leading "~" or "~/" expanded to `home`, and a leading "~name" to the home folder of the
+/// system's user of that name. Every other path, also one with the name of nobody, stays exactly as it
+/// stands.
 QString expandTilde(const QString &path, const QString &home);
 
 } // namespace zorel::platform

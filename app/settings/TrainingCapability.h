@@ -9,8 +9,8 @@ namespace zorel::app::settings {
 /// How a run trains.
 enum class TrainingCapability : std::uint8_t { pretrain, finetune, lora };
 
-inline constexpr std::array allTrainingCapabilities{TrainingCapability::pretrain, TrainingCapability::finetune,
-                                                    TrainingCapability::lora};
+inline constexpr std::array allTrainingCapabilities{TrainingCapability::pretrain,
+                                                    TrainingCapability::finetune, TrainingCapability::lora};
 
 QString rawValue(TrainingCapability capability);
 QString title(TrainingCapability capability);
