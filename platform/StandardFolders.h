@@ -21,7 +21,9 @@ struct StandardFolders
     static StandardFolders current();
 };
 
-/// `path` with a leading "~" or "~/" replaced by `home`; every other path as it stands.
+/// `path` with a leading "~" or "~/" expanded to `home`, and a leading "~name" to the home folder of the
+/// system's user of that name. Every other path, also one with the name of nobody, stays exactly as it
+/// stands.
 QString expandTilde(const QString &path, const QString &home);
 
 } // namespace zorel::platform

@@ -23,13 +23,22 @@ public:
     virtual std::optional<bool> boolean(const QString &key) const = 0;
     virtual void setBoolean(const QString &key, bool value) = 0;
 
+    /// Persists what has been set and is not persisted yet, which otherwise happens by the next turn of the
+    /// event loop. May wait for another process, for a second at the most.
+    virtual void synchronize() {}
+
 protected:
     UserDefaults() = default;
     UserDefaults(const UserDefaults &) = default;
     UserDefaults &operator=(const UserDefaults &) = default;
 };
 
-/// The application's own store on this system.
+/// A new object over the application's own store on this system; persists when it is destroyed.
 std::unique_ptr<UserDefaults> makeStandardUserDefaults();
+
+/// The one object over the application's own store that the whole process shares, so that everyone sees the
+/// same values even when they cannot be persisted. Created on first use, safely from any thread; never
+/// destroyed; persists at exit.
+UserDefaults &standardUserDefaults();
 
 } // namespace zorel::platform

@@ -15,8 +15,8 @@ class UserDefaults;
 namespace zorel::app::settings {
 
 /// The persisted settings: the three library folders, the identity of the model being trained and the
-/// training profile. Every change is announced by its signal and then written to the store at once. Main
-/// thread only, except for the creation of `shared`.
+/// training profile. A change is announced by its signal; then, and also when the assigned value is the old
+/// one, the value is written to the store at once. Main thread only, except for the creation of `shared`.
 class ZorelSettings : public QObject
 {
     Q_OBJECT
@@ -26,7 +26,8 @@ public:
     /// else.
     ZorelSettings(platform::UserDefaults &store, const platform::StandardFolders &folders);
 
-    /// The application's one instance over the standard store, created on first use and never destroyed.
+    /// The application's one instance over the standard store, created on first use, by whichever thread
+    /// comes first, and never destroyed.
     static ZorelSettings &shared();
 
     const QString &trainingDataPath() const { return m_trainingDataPath; }
@@ -56,7 +57,7 @@ public:
     QString defaultTrainingDataPath() const;
     QString defaultFinishedModelsPath() const;
     QString defaultModelRootPath() const;
-    /// `path` with a leading "~" replaced by the home folder these settings were made with.
+    /// `path` with its leading "~" expanded to the home folder these settings were made with.
     QString expanded(const QString &path) const;
 
     /// Creates the three configured folders with their parents; failures are left to the access checker to
@@ -89,6 +90,9 @@ Q_SIGNALS:
     void trainingCapabilityChanged();
 
 private:
+    template <typename Value>
+    void assign(Value &property, const Value &value, void (ZorelSettings::*changed)(), QLatin1String key);
+
     platform::UserDefaults &m_store;
     platform::StandardFolders m_folders;
 

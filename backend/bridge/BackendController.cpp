@@ -60,7 +60,7 @@ protocol::TrainStatusPayload idleStatus(std::int64_t maxSteps)
 BackendController::Surroundings BackendController::Surroundings::system()
 {
     return {
-        &SidecarHost::system,
+        [] { return SidecarHost::system(); },
         &systemEnvironment,
         [](std::chrono::milliseconds delay, QObject *context, std::function<void()> action) {
             QTimer::singleShot(delay, context, std::move(action));

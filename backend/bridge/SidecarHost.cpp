@@ -5,18 +5,12 @@
 #include <QFileInfo>
 #include <QProcess>
 
-#include <chrono>
-
 namespace zorel::backend::bridge {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-/// An interpreter that has not imported MLX by then counts as one without it.
-constexpr std::chrono::milliseconds probeLimit = 60s;
-
-std::optional<int> runProbe(const QString &program, const QStringList &arguments)
+std::optional<int> runProbe(const QString &program, const QStringList &arguments,
+                            std::chrono::milliseconds limit)
 {
     QProcess probe;
     probe.setProgram(program);
@@ -25,7 +19,7 @@ std::optional<int> runProbe(const QString &program, const QStringList &arguments
     probe.setStandardOutputFile(QProcess::nullDevice());
     probe.setStandardErrorFile(QProcess::nullDevice());
     probe.start();
-    if (!probe.waitForFinished(static_cast<int>(probeLimit.count()))) {
+    if (!probe.waitForFinished(static_cast<int>(limit.count()))) {
         probe.kill();
         probe.waitForFinished(-1);
         return std::nullopt;
@@ -33,7 +27,7 @@ std::optional<int> runProbe(const QString &program, const QStringList &arguments
     return probe.exitStatus() == QProcess::NormalExit ? std::optional(probe.exitCode()) : std::nullopt;
 }
 
-bool isExecutableFile(const QString &path)
+bool mayBeRun(const QString &path)
 {
     const QFileInfo file(path);
     return file.isFile() && file.isExecutable();
@@ -41,7 +35,7 @@ bool isExecutableFile(const QString &path)
 
 } // namespace
 
-SidecarHost SidecarHost::system()
+SidecarHost SidecarHost::system(std::chrono::milliseconds probeLimit)
 {
     SidecarHost host;
     if (qEnvironmentVariableIsSet("ZOREL_SCRIPTS_ROOT")) {
@@ -56,8 +50,10 @@ SidecarHost SidecarHost::system()
     host.fileExists = [](const QString &path) {
         return QFileInfo::exists(path);
     };
-    host.isExecutableFile = isExecutableFile;
-    host.run = runProbe;
+    host.isExecutableFile = mayBeRun;
+    host.run = [probeLimit](const QString &program, const QStringList &arguments) {
+        return runProbe(program, arguments, probeLimit);
+    };
     return host;
 }
 

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -29,8 +30,9 @@ struct SidecarHost
     /// limit. Blocks.
     std::function<std::optional<int>(const QString &program, const QStringList &arguments)> run;
 
-    /// The real thing: this process's environment, bundle, file system and child processes.
-    static SidecarHost system();
+    /// The real thing: this process's environment, bundle, file system and child processes. A probe that has
+    /// not ended after `probeLimit` is killed.
+    static SidecarHost system(std::chrono::milliseconds probeLimit = std::chrono::seconds(60));
 };
 
 /// Where the training scripts and an interpreter for them are.

@@ -1,0 +1,7 @@
+#include "platform/ThreadQuality.h"
+
+namespace zorel::platform {
+
+void markThreadUserInitiated() {}
+
+} // namespace zorel::platform

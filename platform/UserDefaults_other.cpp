@@ -1,0 +1,24 @@
+#include "platform/UserDefaults.h"
+
+#include "platform/FileUserDefaults.h"
+
+#include <QDir>
+
+namespace zorel::platform {
+
+namespace {
+
+QString configurationFolder()
+{
+    const QString configured = qEnvironmentVariable("XDG_CONFIG_HOME");
+    return QDir::isAbsolutePath(configured) ? configured : QDir::homePath() + QLatin1String("/.config");
+}
+
+} // namespace
+
+std::unique_ptr<UserDefaults> makeStandardUserDefaults()
+{
+    return std::make_unique<FileUserDefaults>(configurationFolder() + QLatin1String("/Talvex/zorel.json"));
+}
+
+} // namespace zorel::platform
