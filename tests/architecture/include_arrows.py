@@ -6,7 +6,7 @@ from pathlib import Path
 
 SOURCES = {".h", ".cpp", ".mm"}
 OPEN_FOLDERS = ("tests", "fuzz", "bench")  # these may include everything
-ROW = re.compile(r"^\| `([^`]+)` \| (.*) \|$")
+ROW = re.compile(r"^\| `([^`]+)` \|(.*)\|$")
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 
 
