@@ -29,7 +29,7 @@ QString fitted(QList<Figure> figures, const TerminalStyle &style, int columns)
         for (const Figure &figure : figures) {
             texts << figure.text;
         }
-        const QString joined = texts.join(style.separator());
+        const QString joined = style.shown(texts.join(style.separator()));
         if (textWidth(joined) <= columns || figures.size() <= 1) {
             return elided(joined, columns, style.ellipsis());
         }
@@ -75,7 +75,8 @@ QList<Figure> trainingFigures(const RunProgress &progress)
     if (status.valLoss) {
         figures.append({QStringLiteral("validation ") + lossText(*status.valLoss), 4});
     }
-    figures.append({throughputText(status.tokensPerSec) + u' ' + throughputLabel(progress.family).toLower(), 2});
+    figures.append(
+        {throughputText(status.tokensPerSec) + u' ' + throughputLabel(progress.family).toLower(), 2});
     figures.append({durationText(status.elapsedS) + QStringLiteral(" elapsed"), 3});
     if (progress.remainingS) {
         figures.append({durationText(*progress.remainingS) + QStringLiteral(" left"), 1});
@@ -88,16 +89,17 @@ QList<Figure> trainingFigures(const RunProgress &progress)
 QList<BlockLine> liveBlock(const RunProgress &progress, const TerminalStyle &style, int columns)
 {
     const int room = std::max(1, columns - 1);
-    const QString label = stateText(progress);
+    const QString label = style.shown(withoutControls(stateText(progress)));
     if (progress.phase == TerminalRun::Phase::training && progress.isPreparing()) {
         const QString percent = QStringLiteral("%1%").arg(progress.percent(), 3);
         return {barLine(label, progress.fraction(), percent, style, room),
                 plainLine(fitted(preparationFigures(progress), style, room))};
     }
     if (progress.hasSteps()) {
-        const QString counts = QStringLiteral("%1%  %2 / %3")
-                                   .arg(progress.percent(), 3)
-                                   .arg(groupedText(progress.status.step), groupedText(progress.status.maxSteps));
+        const QString counts =
+            QStringLiteral("%1%  %2 / %3")
+                .arg(progress.percent(), 3)
+                .arg(groupedText(progress.status.step), groupedText(progress.status.maxSteps));
         return {barLine(label, progress.fraction(), counts, style, room),
                 plainLine(fitted(trainingFigures(progress), style, room))};
     }

@@ -16,7 +16,8 @@ struct BlockLine
     bool operator==(const BlockLine &) const = default;
 };
 
-/// The lines that show `progress` on a terminal `columns` wide. The last column stays free, so that no line wraps.
+/// The lines that show `progress` on a terminal `columns` wide. The last column stays free, so that no line
+/// wraps.
 QList<BlockLine> liveBlock(const RunProgress &progress, const TerminalStyle &style, int columns);
 
 } // namespace zorel::terminal

@@ -18,8 +18,8 @@ void OutputStream::write(const QByteArray &bytes)
 {
     qsizetype written = 0;
     while (!m_closed && written < bytes.size()) {
-        const ssize_t count =
-            ::write(m_descriptor, bytes.constData() + written, static_cast<std::size_t>(bytes.size() - written));
+        const ssize_t count = ::write(m_descriptor, bytes.constData() + written,
+                                      static_cast<std::size_t>(bytes.size() - written));
         if (count >= 0) {
             written += count;
         } else if (errno == EAGAIN || errno == EWOULDBLOCK) {

@@ -7,7 +7,8 @@
 
 namespace zorel::terminal {
 
-/// Estimates how long a run still takes from its pace of late, so that neither warming up nor a resumed run's past counts.
+/// Estimates how long a run still takes from its pace of late, so that neither warming up nor a resumed run's
+/// past counts.
 class RemainingTime
 {
 public:

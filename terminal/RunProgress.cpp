@@ -14,8 +14,9 @@ bool RunProgress::hasSteps() const
 
 double RunProgress::fraction() const
 {
-    const double share = isPreparing() ? status.prepProgress
-                                       : double(status.step) / double(std::max<std::int64_t>(1, status.maxSteps));
+    const double share = isPreparing()
+                             ? status.prepProgress
+                             : double(status.step) / double(std::max<std::int64_t>(1, status.maxSteps));
     return std::isfinite(share) ? std::clamp(share, 0.0, 1.0) : 0.0;
 }
 

@@ -2,6 +2,9 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+#include <array>
+
 namespace zorel::terminal {
 
 namespace {
@@ -30,10 +33,10 @@ void applyProfile(const TerminalOptions &options, ZorelSettings &settings)
         for (const auto capability : app::settings::supportedCapabilities(settings.modelFamily())) {
             allowed << app::settings::rawValue(capability);
         }
-        throw UsageError(QStringLiteral("--capability %1 does not go with the model type %2, which allows: %3.")
-                             .arg(app::settings::rawValue(*options.capability),
-                                  app::settings::rawValue(settings.modelFamily()),
-                                  allowed.join(QStringLiteral(", "))));
+        throw UsageError(
+            QStringLiteral("--capability %1 does not go with the model type %2, which allows: %3.")
+                .arg(app::settings::rawValue(*options.capability),
+                     app::settings::rawValue(settings.modelFamily()), allowed.join(QStringLiteral(", "))));
     }
     settings.selectCapability(*options.capability);
 }
@@ -76,11 +79,13 @@ RunSettings::RunSettings(platform::UserDefaults &store, const platform::Standard
 
 bool holdTheSame(const ZorelSettings &left, const ZorelSettings &right)
 {
-    return left.trainingDataPath() == right.trainingDataPath() &&
-           left.finishedModelsPath() == right.finishedModelsPath() &&
-           left.modelRootPath() == right.modelRootPath() &&
-           left.modelIdentityPayload() == right.modelIdentityPayload() &&
-           left.trainingProfilePayload() == right.trainingProfilePayload();
+    static constexpr std::array texts{&ZorelSettings::trainingDataPath, &ZorelSettings::finishedModelsPath,
+                                      &ZorelSettings::modelRootPath,    &ZorelSettings::modelName,
+                                      &ZorelSettings::modelVersion,     &ZorelSettings::modelAuthor,
+                                      &ZorelSettings::modelDescription, &ZorelSettings::modelLicense};
+    return std::ranges::all_of(texts, [&](auto text) { return (left.*text)() == (right.*text)(); }) &&
+           left.modelFamily() == right.modelFamily() &&
+           left.trainingCapability() == right.trainingCapability();
 }
 
 } // namespace zorel::terminal

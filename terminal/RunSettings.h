@@ -13,8 +13,8 @@ namespace zorel::terminal {
 class RunSettings
 {
 public:
-    /// Writes to `store`, which must outlive this object, only when `options` says so and nothing is wrong with them. Throws
-    /// UsageError.
+    /// Writes to `store`, which must outlive this object, only when `options` says so and nothing is wrong
+    /// with them. Throws UsageError.
     RunSettings(platform::UserDefaults &store, const platform::StandardFolders &folders,
                 const TerminalOptions &options);
 

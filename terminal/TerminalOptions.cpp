@@ -18,9 +18,9 @@ using app::settings::TrainingCapability;
 const QStringList flagNames{QStringLiteral("help"), QStringLiteral("version"), QStringLiteral("resume"),
                             QStringLiteral("save"), QStringLiteral("log"),     QStringLiteral("json")};
 const QStringList valueNames{
-    QStringLiteral("steps"),      QStringLiteral("family"),        QStringLiteral("capability"),
-    QStringLiteral("model-name"), QStringLiteral("model-version"), QStringLiteral("author"),
-    QStringLiteral("license"),    QStringLiteral("description"),   QStringLiteral("training-data"),
+    QStringLiteral("steps"),      QStringLiteral("family"),         QStringLiteral("capability"),
+    QStringLiteral("model-name"), QStringLiteral("model-version"),  QStringLiteral("author"),
+    QStringLiteral("license"),    QStringLiteral("description"),    QStringLiteral("training-data"),
     QStringLiteral("model-root"), QStringLiteral("finished-models")};
 
 /// How many letters must be inserted, removed or replaced to turn one text into the other.
@@ -74,9 +74,9 @@ ModelFamily parseFamily(const QString &text)
     if (text == QLatin1String("image")) {
         return ModelFamily::imageGeneration;
     }
-    const auto family =
-        std::ranges::find(app::settings::allModelFamilies, text,
-                          [](ModelFamily candidate) { return app::settings::rawValue(candidate); });
+    const auto family = std::ranges::find(app::settings::allModelFamilies, text, [](ModelFamily candidate) {
+        return app::settings::rawValue(candidate);
+    });
     if (family == app::settings::allModelFamilies.end()) {
         throw UsageError(QStringLiteral("--family takes text, image or multimodal, not “%1”.").arg(text));
     }
@@ -129,8 +129,8 @@ UsageError::UsageError(const QString &sentence)
 
 bool TerminalOptions::changesSettings() const
 {
-    return family || capability || trainingData || finishedModels || modelRoot || modelName ||
-           modelVersion || author || description || license;
+    return family || capability || trainingData || finishedModels || modelRoot || modelName || modelVersion ||
+           author || description || license;
 }
 
 TerminalOptions TerminalOptions::parse(const QStringList &arguments, const QString &folder)
@@ -138,7 +138,9 @@ TerminalOptions TerminalOptions::parse(const QStringList &arguments, const QStri
     QCommandLineParser parser;
     declareOptions(parser);
     const bool parsed = parser.parse(arguments);
-    const auto isSet = [&parser](const char *name) { return parser.isSet(QLatin1String(name)); };
+    const auto isSet = [&parser](const char *name) {
+        return parser.isSet(QLatin1String(name));
+    };
     const auto value = [&](const char *name) {
         return isSet(name) ? std::optional(parser.value(QLatin1String(name))) : std::nullopt;
     };

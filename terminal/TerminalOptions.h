@@ -50,7 +50,8 @@ struct TerminalOptions
     /// Whether any setting was given that could be saved.
     bool changesSettings() const;
 
-    /// `arguments` begins with the program's name; `folder` is what relative folders are taken from. Throws UsageError.
+    /// `arguments` begins with the program's name; `folder` is what relative folders are taken from. Throws
+    /// UsageError.
     static TerminalOptions parse(const QStringList &arguments, const QString &folder);
 };
 

@@ -2,8 +2,8 @@
 
 #include "backend/bridge/BackendController.h"
 
-#include <array>
 #include <algorithm>
+#include <array>
 
 namespace zorel::terminal {
 
@@ -167,7 +167,9 @@ void TerminalRun::quitBackend(Outcome outcome)
     }
     setPhase(Phase::ending);
     m_quitLimit.start(m_limits.quitting);
-    m_controller.shutdown();
+    if (m_controller.isRunning()) {
+        m_controller.shutdown();
+    }
 }
 
 void TerminalRun::end()

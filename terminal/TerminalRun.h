@@ -17,8 +17,8 @@ class BackendController;
 
 namespace zorel::terminal {
 
-/// One training run from launching the sidecar to its end: waits until it is ready, starts the run, follows it until it is archived,
-/// stopped or has failed, and then has the sidecar quit. Prints nothing.
+/// One training run from launching the sidecar to its end: waits until it is ready, starts the run, follows
+/// it until it is archived, stopped or has failed, and then has the sidecar quit. Prints nothing.
 class TerminalRun : public QObject
 {
     Q_OBJECT
@@ -48,7 +48,8 @@ public:
     /// Valid once the phase is `ending`.
     Outcome outcome() const { return m_outcome; }
     const std::optional<backend::protocol::ArchivedModel> &archive() const { return m_archive; }
-    /// Why the run failed or could not be started, unless an error of the backend has said it already; otherwise empty.
+    /// Why the run failed or could not be started, unless an error of the backend has said it already;
+    /// otherwise empty.
     const QString &failure() const { return m_failure; }
     /// Whether the sidecar had not ended yet when this object stopped waiting for it.
     bool leftBackendRunning() const { return m_leftBackendRunning; }

@@ -1,5 +1,7 @@
 #include "terminal/TerminalStyle.h"
 
+#include <QByteArray>
+
 #include <algorithm>
 #include <array>
 #include <clocale>
@@ -13,10 +15,14 @@ namespace zorel::terminal {
 namespace {
 
 const std::array replacements{
-    std::pair{QStringLiteral("×"), QStringLiteral("x")}, std::pair{QStringLiteral("✓"), QStringLiteral("*")},
-    std::pair{QStringLiteral("→"), QStringLiteral("->")}, std::pair{QStringLiteral("…"), QStringLiteral("...")},
-    std::pair{QStringLiteral("—"), QStringLiteral("-")}, std::pair{QStringLiteral("–"), QStringLiteral("-")},
-    std::pair{QStringLiteral("“"), QStringLiteral("\"")}, std::pair{QStringLiteral("”"), QStringLiteral("\"")},
+    std::pair{QStringLiteral("×"), QStringLiteral("x")},
+    std::pair{QStringLiteral("✓"), QStringLiteral("*")},
+    std::pair{QStringLiteral("→"), QStringLiteral("->")},
+    std::pair{QStringLiteral("…"), QStringLiteral("...")},
+    std::pair{QStringLiteral("—"), QStringLiteral("-")},
+    std::pair{QStringLiteral("–"), QStringLiteral("-")},
+    std::pair{QStringLiteral("“"), QStringLiteral("\"")},
+    std::pair{QStringLiteral("”"), QStringLiteral("\"")},
     std::pair{QStringLiteral("’"), QStringLiteral("'")},
 };
 
@@ -55,17 +61,18 @@ QString TerminalStyle::bar(double fraction, int columns) const
     if (halves % 2 != 0) {
         filled += u'╸';
     }
-    return coloured(filled, Colour::green) + coloured(QString(columns - int(filled.size()), u'─'), Colour::dim);
+    return coloured(filled, Colour::green) +
+           coloured(QString(columns - int(filled.size()), u'─'), Colour::dim);
 }
 
-QByteArray TerminalStyle::encoded(QString text) const
+QString TerminalStyle::shown(QString text) const
 {
     if (characters == Characters::ascii) {
         for (const auto &[sign, replacement] : replacements) {
             text.replace(sign, replacement);
         }
     }
-    return text.toUtf8();
+    return text;
 }
 
 TerminalStyle::Characters TerminalStyle::charactersOfLocale()
@@ -77,7 +84,8 @@ TerminalStyle::Characters TerminalStyle::charactersOfLocale()
 
 TerminalStyle::Colours TerminalStyle::coloursOfEnvironment()
 {
-    return qEnvironmentVariableIsEmpty("NO_COLOR") && qgetenv("TERM") != "dumb" ? Colours::ansi : Colours::none;
+    return qEnvironmentVariableIsEmpty("NO_COLOR") && qgetenv("TERM") != "dumb" ? Colours::ansi
+                                                                                : Colours::none;
 }
 
 } // namespace zorel::terminal

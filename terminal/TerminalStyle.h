@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QString>
 
 namespace zorel::terminal {
@@ -21,9 +20,9 @@ struct TerminalStyle
     QString coloured(const QString &text, Colour colour) const;
     /// A bar of `columns` columns, the first `fraction` (0 to 1) of it filled.
     QString bar(double fraction, int columns) const;
-    /// `text` in UTF-8, its signs replaced by ASCII ones where Unicode cannot be shown. Letters of other scripts stay: a path must
-    /// remain the path.
-    QByteArray encoded(QString text) const;
+    /// `text` with its signs replaced by ASCII ones where Unicode cannot be shown. Letters of other scripts
+    /// stay: a path must remain the path.
+    QString shown(QString text) const;
 
     /// The characters that the process's locale can show. To be asked before Qt changes the locale.
     static Characters charactersOfLocale();

@@ -15,7 +15,8 @@ struct Range
     char32_t last;
 };
 
-/// The blocks whose characters take two columns: East Asian scripts and their punctuation, full-width forms, emoji.
+/// The blocks whose characters take two columns: East Asian scripts and their punctuation, full-width forms,
+/// emoji.
 constexpr std::array wideRanges{
     Range{0x1100, 0x115f},   Range{0x231a, 0x231b},   Range{0x23e9, 0x23ec},   Range{0x2e80, 0x303e},
     Range{0x3041, 0x33ff},   Range{0x3400, 0x4dbf},   Range{0x4e00, 0x9fff},   Range{0xa000, 0xa4cf},
