@@ -47,8 +47,9 @@ BlockLine barLine(const QString &label, double fraction, const QString &counts, 
 {
     const int room = columns - textWidth(label) - textWidth(counts) - 4;
     if (room >= narrowestBar) {
+        const QString gap(2, u' ');
         const int width = std::min(room, widestBar);
-        return {label + u"  " + style.bar(fraction, width) + u"  " + counts,
+        return {label + gap + style.bar(fraction, width) + gap + counts,
                 textWidth(label) + textWidth(counts) + 4 + width};
     }
     const QString both = label + u' ' + counts;

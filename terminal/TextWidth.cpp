@@ -1,7 +1,5 @@
 #include "terminal/TextWidth.h"
 
-#include <QStringIterator>
-
 #include <algorithm>
 #include <array>
 
@@ -47,8 +45,8 @@ int characterWidth(char32_t character)
 int textWidth(const QString &text)
 {
     int width = 0;
-    for (QStringIterator characters(text); characters.hasNext();) {
-        width += characterWidth(characters.next());
+    for (const uint character : text.toUcs4()) {
+        width += characterWidth(character);
     }
     return width;
 }
@@ -63,14 +61,13 @@ QString elided(const QString &text, int columns, const QString &ellipsis)
         return QString();
     }
     int width = 0;
-    QStringIterator characters(text);
     qsizetype kept = 0;
-    while (characters.hasNext()) {
-        width += characterWidth(characters.next());
+    for (const uint character : text.toUcs4()) {
+        width += characterWidth(character);
         if (width > room) {
             break;
         }
-        kept = characters.index();
+        kept += QChar::requiresSurrogates(character) ? 2 : 1;
     }
     return text.left(kept) + ellipsis;
 }
