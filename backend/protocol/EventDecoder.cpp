@@ -39,16 +39,25 @@ QString lastPathComponent(const QString &path)
     return path.sliced(slash + 1, end - slash - 1);
 }
 
+/// A string that is `otherwise` unless it is given.
+template <Key key>
+auto stringOr(QString &target, const QString &otherwise)
+{
+    return field<key>([&target, &otherwise](ondemand::value &value) {
+        return orDefault(readString(value, target), target, otherwise);
+    });
+}
+
+const QString noText;
+
 Result readReady(ondemand::object object, EventName &name)
 {
     ReadyEvent event{defaultStepCount};
     FieldsRead fields;
-    const auto onField = [&](std::size_t index, ondemand::value value) {
-        if (index == 0)
-            return name.read(value);
+    const auto readStepCount = [&](ondemand::value &value) {
         return orDefault(readInteger(value, event.defaultMaxSteps), event.defaultMaxSteps, defaultStepCount);
     };
-    if (!readObject(object, Keys<2>{eventKey, "default_max_steps"}, fields, onField))
+    if (!readObject(object, fields, eventField(name), field<"default_max_steps">(readStepCount)))
         return notJson();
     return accept(event);
 }
@@ -68,10 +77,10 @@ Result readStatusEvent(ondemand::object object, EventName &name)
     return notJson();
 }
 
-Result readNeurons(ondemand::object object, EventName &name)
+Result readNeurons(JsonDocument &document, ondemand::object object, EventName &name)
 {
     NeuronSnapshotPayload snapshot;
-    switch (readSnapshot(object, name, snapshot)) {
+    switch (readSnapshot(document, object, name, snapshot)) {
     case Reading::taken:
         return accept(std::move(snapshot));
     case Reading::otherType:
@@ -87,13 +96,8 @@ Result readLog(ondemand::object object, EventName &name)
     static const QString defaultLevel = QStringLiteral("INFO");
     LogEvent event{defaultLevel, {}};
     FieldsRead fields;
-    const auto onField = [&](std::size_t index, ondemand::value value) {
-        if (index == 0)
-            return name.read(value);
-        return index == 1 ? orDefault(readString(value, event.level), event.level, defaultLevel)
-                          : orDefault(readString(value, event.msg), event.msg, QString());
-    };
-    if (!readObject(object, Keys<3>{eventKey, "level", "msg"}, fields, onField))
+    if (!readObject(object, fields, eventField(name), stringOr<"level">(event.level, defaultLevel),
+                    stringOr<"msg">(event.msg, noText)))
         return notJson();
     return accept(std::move(event));
 }
@@ -103,58 +107,44 @@ Result readError(ondemand::object object, EventName &name)
     static const QString defaultMessage = QStringLiteral("unknown error");
     ErrorEvent event{defaultMessage};
     FieldsRead fields;
-    const auto onField = [&](std::size_t index, ondemand::value value) {
-        return index == 0 ? name.read(value)
-                          : orDefault(readString(value, event.msg), event.msg, defaultMessage);
-    };
-    if (!readObject(object, Keys<2>{eventKey, "msg"}, fields, onField))
+    if (!readObject(object, fields, eventField(name), stringOr<"msg">(event.msg, defaultMessage)))
         return notJson();
     return accept(std::move(event));
 }
 
-Reading readArchivedModelField(std::size_t index, ondemand::value value, ArchivedModel &model)
-{
-    switch (index) {
-    case 1:
-        return orDefault(readString(value, model.path), model.path, QString());
-    case 2:
-        return readString(value, model.folderName);
-    case 3:
-        return orDefault(readInteger(value, model.step), model.step, std::int64_t{0});
-    case 4:
-        return orDefault(readNumber(value, model.loss), model.loss, 0.0);
-    default:
-        return orDefault(readNumber(value, model.elapsedS), model.elapsedS, 0.0);
-    }
-}
-
 Result readArchivedModel(ondemand::object object, EventName &name)
 {
-    constexpr Keys<6> keys{eventKey, "path", "folder_name", "step", "loss", "elapsed"};
     ArchivedModel model;
     FieldsRead fields;
-    const auto onField = [&](std::size_t index, ondemand::value value) {
-        return index == 0 ? name.read(value) : readArchivedModelField(index, value, model);
+    const auto readStep = [&](ondemand::value &value) {
+        return orDefault(readInteger(value, model.step), model.step, std::int64_t{0});
     };
-    if (!readObject(object, keys, fields, onField))
+    const auto readLoss = [&](ondemand::value &value) {
+        return orDefault(readNumber(value, model.loss), model.loss, 0.0);
+    };
+    const auto readElapsed = [&](ondemand::value &value) {
+        return orDefault(readNumber(value, model.elapsedS), model.elapsedS, 0.0);
+    };
+    const auto readFolderName = [&](ondemand::value &value) {
+        return readString(value, model.folderName);
+    };
+    if (!readObject(object, fields, field<"folder_name">(readFolderName), eventField(name),
+                    stringOr<"path">(model.path, noText), field<"step">(readStep), field<"loss">(readLoss),
+                    field<"elapsed">(readElapsed)))
         return notJson();
-    if (!fields.has(2))
+    if (!fields.has(0))
         model.folderName = lastPathComponent(model.path);
     return accept(std::move(model));
 }
 
 Result readPaths(ondemand::object object, EventName &name)
 {
-    constexpr Keys<5> keys{eventKey, "library_root", "training_data", "finished_models", "model_root"};
     BackendPaths paths;
-    QString *const targets[]{nullptr, &paths.libraryRoot, &paths.trainingData, &paths.finishedModels,
-                             &paths.modelRoot};
     FieldsRead fields;
-    const auto onField = [&](std::size_t index, ondemand::value value) {
-        return index == 0 ? name.read(value)
-                          : orDefault(readString(value, *targets[index]), *targets[index], QString());
-    };
-    if (!readObject(object, keys, fields, onField))
+    if (!readObject(object, fields, eventField(name), stringOr<"library_root">(paths.libraryRoot, noText),
+                    stringOr<"training_data">(paths.trainingData, noText),
+                    stringOr<"finished_models">(paths.finishedModels, noText),
+                    stringOr<"model_root">(paths.modelRoot, noText)))
         return notJson();
     return accept(std::move(paths));
 }
@@ -162,8 +152,7 @@ Result readPaths(ondemand::object object, EventName &name)
 bool readName(ondemand::object object, EventName &name)
 {
     FieldsRead fields;
-    return readObject(object, Keys<1>{eventKey}, fields,
-                      [&](std::size_t, ondemand::value value) { return name.read(value); });
+    return readObject(object, fields, eventField(name));
 }
 
 template <class Event>
@@ -172,7 +161,7 @@ Result readBareEvent(ondemand::object object, EventName &name)
     return readName(object, name) ? accept(Event()) : Result(notJson());
 }
 
-Result readEvent(EventKind kind, ondemand::object object, EventName &name)
+Result readEvent(EventKind kind, JsonDocument &document, ondemand::object object, EventName &name)
 {
     switch (kind) {
     case EventKind::ready:
@@ -180,7 +169,7 @@ Result readEvent(EventKind kind, ondemand::object object, EventName &name)
     case EventKind::status:
         return readStatusEvent(object, name);
     case EventKind::neurons:
-        return readNeurons(object, name);
+        return readNeurons(document, object, name);
     case EventKind::log:
         return readLog(object, name);
     case EventKind::error:
@@ -239,9 +228,12 @@ private:
             return notJson();
         if (const std::optional<EventKind> guess = guessKind(line)) {
             EventName name;
-            Result result = readEvent(*guess, object, name);
-            if (name.is(*guess))
-                return m_document.isAtEnd() ? std::move(result) : notJson();
+            Result result = readEvent(*guess, m_document, object, name);
+            if (name.is(*guess)) {
+                if (!m_document.isAtEnd())
+                    result = notJson();
+                return result;
+            }
             if (!m_document.reopen(object))
                 return notJson();
         }
@@ -261,7 +253,7 @@ private:
             return DecodingError{"unknown event kind: " + std::string(*name.text())};
         if (!m_document.reopen(object))
             return notJson();
-        return readEvent(*kind, object, name);
+        return readEvent(*kind, m_document, object, name);
     }
 
     JsonDocument m_document;

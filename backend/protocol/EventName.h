@@ -2,6 +2,7 @@
 
 #include "backend/protocol/JsonDocument.h"
 
+#include <array>
 #include <optional>
 
 namespace zorel::backend::protocol {
@@ -19,16 +20,14 @@ enum class EventKind : std::uint8_t {
     done
 };
 
-inline constexpr std::string_view eventKey = "event";
-
-inline constexpr Keys<9> eventNames{"ready",          "status", "neurons",        "log", "error",
-                                    "model_archived", "paths",  "model_identity", "done"};
+inline constexpr std::array<std::string_view, 9> eventNames{
+    "ready", "status", "neurons", "log", "error", "model_archived", "paths", "model_identity", "done"};
 
 /// The value of the key "event" that was read last.
 class EventName
 {
 public:
-    Reading read(ondemand::value value)
+    Reading read(ondemand::value &value)
     {
         std::string_view name;
         const Reading reading = readUtf8(value, name);
@@ -41,5 +40,11 @@ public:
 private:
     std::optional<std::string_view> m_name;
 };
+
+/// The field that every event has.
+inline auto eventField(EventName &name)
+{
+    return field<"event">([&name](ondemand::value &value) { return name.read(value); });
+}
 
 } // namespace zorel::backend::protocol

@@ -18,7 +18,7 @@ std::string_view scalarText(ondemand::value &value)
     return token.substr(0, token.find_last_not_of(jsonSpace) + 1);
 }
 
-bool skipObject(ondemand::value value, int depth)
+bool skipObject(ondemand::value &value, int depth)
 {
     ondemand::object object;
     if (value.get_object().get(object) != simdjson::SUCCESS)
@@ -35,7 +35,7 @@ bool skipObject(ondemand::value value, int depth)
     return true;
 }
 
-bool skipArray(ondemand::value value, int depth)
+bool skipArray(ondemand::value &value, int depth)
 {
     ondemand::array array;
     if (value.get_array().get(array) != simdjson::SUCCESS)
@@ -63,7 +63,7 @@ bool isScalar(std::string_view text)
 
 } // namespace
 
-Reading skipValue(ondemand::value value, int depth)
+Reading skipValue(ondemand::value &value, int depth)
 {
     if (depth >= deepestNesting)
         return Reading::malformed;
@@ -84,7 +84,7 @@ Reading skipValue(ondemand::value value, int depth)
     return wellFormed ? Reading::otherType : Reading::malformed;
 }
 
-Reading readUnusualInteger(ondemand::value value, std::int64_t &target)
+Reading readUnusualInteger(ondemand::value &value, std::int64_t &target)
 {
     const std::optional<std::int64_t> number = wholeNumber(scalarText(value));
     if (!number)
@@ -115,7 +115,7 @@ bool JsonDocument::open(std::string_view text, std::size_t readable, ondemand::o
 
 bool JsonDocument::reopen(ondemand::object &object)
 {
-    if (!m_document.is_alive()) // given up at an error
+    if (!isAlive()) // given up at an error
         return false;
     m_document.rewind();
     return m_document.get_object().get(object) == simdjson::SUCCESS;

@@ -6,11 +6,13 @@
 
 #include <simdjson.h>
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zorel::backend::protocol {
 
@@ -28,34 +30,34 @@ inline constexpr int deepestNesting = 1000;
 
 /// Goes through a value of no interest. simdjson does not look into what it skips, and a line that is not
 /// JSON throughout is no event. Never Reading::taken.
-Reading skipValue(ondemand::value value, int depth = 1);
+Reading skipValue(ondemand::value &value, int depth = 1);
 
 /// Integers that are not written as plain digits, and everything that is no integer.
-Reading readUnusualInteger(ondemand::value value, std::int64_t &target);
+Reading readUnusualInteger(ondemand::value &value, std::int64_t &target);
 
-inline Reading readInteger(ondemand::value value, std::int64_t &target)
+inline Reading readInteger(ondemand::value &value, std::int64_t &target)
 {
     return value.get_int64().get(target) == simdjson::SUCCESS ? Reading::taken
                                                               : readUnusualInteger(value, target);
 }
 
-inline Reading readNumber(ondemand::value value, double &target)
+inline Reading readNumber(ondemand::value &value, double &target)
 {
     return value.get_double().get(target) == simdjson::SUCCESS ? Reading::taken : skipValue(value);
 }
 
-inline Reading readFlag(ondemand::value value, bool &target)
+inline Reading readFlag(ondemand::value &value, bool &target)
 {
     return value.get_bool().get(target) == simdjson::SUCCESS ? Reading::taken : skipValue(value);
 }
 
 /// `target` is valid until the document is opened anew.
-inline Reading readUtf8(ondemand::value value, std::string_view &target)
+inline Reading readUtf8(ondemand::value &value, std::string_view &target)
 {
     return value.get_string().get(target) == simdjson::SUCCESS ? Reading::taken : skipValue(value);
 }
 
-inline Reading readString(ondemand::value value, QString &target)
+inline Reading readString(ondemand::value &value, QString &target)
 {
     std::string_view utf8;
     const Reading reading = readUtf8(value, utf8);
@@ -74,11 +76,46 @@ Reading orDefault(Reading reading, Value &target, const Value &otherwise)
     return reading;
 }
 
-/// The known keys of one kind of object, in the order in which they are usually sent.
-template <std::size_t count>
-using Keys = std::array<std::string_view, count>;
+/// A key as a template argument, so that comparing with it costs no loop.
+template <std::size_t size>
+struct Key
+{
+    consteval Key(const char (&literal)[size])
+    {
+        std::copy_n(literal, size, characters);
+    } // NOLINT: reads like the literal
+    constexpr std::string_view text() const { return {characters, size - 1}; }
+    char characters[size] = {};
+};
 
-/// Which known keys an object held with a value of the right type, one bit each.
+/// A known key of an object and what to do with its value: a callable from ondemand::value to Reading.
+template <Key key, class Read>
+struct Field
+{
+    static constexpr std::string_view name = key.text();
+    Read read;
+};
+
+template <Key key, class Read>
+Field<key, Read> field(Read read)
+{
+    return {std::move(read)};
+}
+
+template <Key key>
+auto integerField(std::int64_t &target)
+{
+    return field<key>([&target](ondemand::value &value) { return readInteger(value, target); });
+}
+
+template <Key key>
+auto numberField(double &target)
+{
+    return field<key>([&target](ondemand::value &value) { return readNumber(value, target); });
+}
+
+/// Which known keys an object held with a value of the right type; they count from 0 in the order given to
+/// readObject.
 class FieldsRead
 {
 public:
@@ -98,42 +135,102 @@ private:
     std::uint32_t m_taken = 0;
 };
 
-/// Index of a key that is not where it was expected, or `count`. Nothing when the key is malformed.
-template <std::size_t count>
-bool findKey(ondemand::field &field, const Keys<count> &keys, std::size_t &index)
+/// The fields of an object one after the other.
+class FieldCursor
 {
-    std::string_view name;
-    if (field.unescaped_key().get(name) != simdjson::SUCCESS)
-        return false;
-    for (index = 0; index < count && keys[index] != name;)
-        ++index;
-    return true;
+public:
+    explicit FieldCursor(ondemand::object &object)
+        : m_next(object.begin().value_unsafe())
+    {}
+
+    /// Whether there is a current field; reads the next one when the last was taken.
+    simdjson_inline bool hasField()
+    {
+        if (m_isHeld)
+            return true;
+        if (m_isMalformed || !(m_next != m_next))
+            return false;
+        simdjson::simdjson_result<ondemand::field> next = *m_next;
+        m_isMalformed = next.error() != simdjson::SUCCESS;
+        m_isHeld = !m_isMalformed;
+        m_field = next.value_unsafe();
+        return m_isHeld;
+    }
+
+    bool isMalformed() const { return m_isMalformed; }
+
+    /// Whether the current key is written exactly so, without escapes.
+    simdjson_inline bool isPlainly(std::string_view name) const
+    {
+        return m_field.key().unsafe_is_equal(name);
+    }
+
+    /// The current key whatever its spelling; to be asked once.
+    bool name(std::string_view &text) { return m_field.unescaped_key().get(text) == simdjson::SUCCESS; }
+
+    template <class Read>
+    Reading take(const Read &read)
+    {
+        const Reading reading = read(m_field.value());
+        m_isHeld = false;
+        m_isMalformed = reading == Reading::malformed;
+        if (!m_isMalformed)
+            ++m_next;
+        return reading;
+    }
+
+private:
+    ondemand::object_iterator m_next;
+    ondemand::field m_field;
+    bool m_isHeld = false;
+    bool m_isMalformed = false;
+};
+
+/// Takes the current field if it is the one with this key.
+template <class Field>
+simdjson_inline void takeInOrder(FieldCursor &cursor, FieldsRead &fields, std::size_t index,
+                                 const Field &known)
+{
+    if (cursor.hasField() && cursor.isPlainly(Field::name))
+        fields.note(index, cursor.take(known.read));
 }
 
-/// Reads an object in one pass, its keys in any order: `onField(index, value)` gets the known ones. False
-/// when the text is no JSON.
-template <std::size_t count, class OnField>
-bool readObject(ondemand::object object, const Keys<count> &keys, FieldsRead &fields, OnField onField)
+/// Takes the current field, whichever it is.
+template <class... Fields>
+[[gnu::noinline]] void takeAnyOrder(FieldCursor &cursor, FieldsRead &fields, const Fields &...known)
 {
-    std::size_t expected = 0;
-    for (simdjson::simdjson_result<ondemand::field> result : object) {
-        ondemand::field field;
-        if (std::move(result).get(field) != simdjson::SUCCESS)
-            return false;
-        std::size_t index = expected;
-        if (expected == count || !field.key().unsafe_is_equal(keys[expected])) {
-            if (!findKey(field, keys, index))
-                return false;
-        }
-        const Reading reading = index < count ? onField(index, field.value()) : skipValue(field.value());
-        if (reading == Reading::malformed)
-            return false;
-        if (index < count) {
-            fields.note(index, reading);
-            expected = index + 1;
-        }
+    std::string_view name;
+    if (!cursor.name(name)) {
+        cursor.take([](ondemand::value &) { return Reading::malformed; });
+        return;
     }
-    return true;
+    std::size_t index = 0;
+    const auto takeIfNamed = [&](const auto &candidate) {
+        if (name != candidate.name) {
+            ++index;
+            return false;
+        }
+        fields.note(index, cursor.take(candidate.read));
+        return true;
+    };
+    if (!(takeIfNamed(known) || ...))
+        cursor.take([](ondemand::value &value) { return skipValue(value); });
+}
+
+/// Reads an object in one pass. The keys may come in any order; the order given here is the fastest, also
+/// with some left out. False when the text is no JSON.
+template <class... Fields>
+bool readObject(ondemand::object object, FieldsRead &fields, const Fields &...known)
+{
+    FieldCursor cursor(object);
+    std::size_t index = 0;
+    (takeInOrder(cursor, fields, index++, known), ...);
+    if (!cursor.hasField())
+        return !cursor.isMalformed();
+    FieldCursor rest = cursor;
+    while (rest.hasField())
+        takeAnyOrder(rest, fields, known...);
+    return !rest.isMalformed();
 }
 
 /// One JSON text whose top level is an object. Keeps the parser's memory for the next text.
@@ -153,10 +250,38 @@ public:
     /// To be asked when the object was read: whether nothing follows it.
     bool isAtEnd();
 
+    /// Whether the next thing to be read is the end of an object.
+    simdjson_inline bool endsNext()
+    {
+        const char *next = position();
+        return next && *next == '}';
+    }
+
+    /// Whether the next thing to be read is this key, written plainly: `quoted` includes the quotation marks.
+    simdjson_inline bool comesNext(std::string_view quoted)
+    {
+        const char *next = position();
+        if (!next)
+            return false;
+        next += *next == ',' ? 1 : 0;
+        next += *next == ' ' ? 1 : 0;
+        return std::memcmp(next, quoted.data(), quoted.size()) == 0;
+    }
+
+    /// Whether reading can go on after something unexpected.
+    bool isAlive() { return m_document.is_alive(); }
+
     /// Gives back the memory that an unusually long text has needed.
     void close();
 
 private:
+    /// Where the next token stands; null at the end.
+    simdjson_inline const char *position()
+    {
+        const char *location = nullptr;
+        return m_document.current_location().get(location) == simdjson::SUCCESS ? location : nullptr;
+    }
+
     ondemand::parser m_parser;
     ondemand::document m_document;
     std::string m_copy;

@@ -4,12 +4,6 @@
 
 namespace zorel::backend::protocol {
 
-namespace {
-
-constexpr Keys<2> pointKeys{"step", "loss"};
-
-} // namespace
-
 class LossPointDecoder::Implementation
 {
 public:
@@ -29,11 +23,10 @@ private:
         if (!m_document.open(line, readable, object))
             return false;
         FieldsRead fields;
-        const auto onField = [&](std::size_t index, ondemand::value value) {
-            return index == 0 ? readInteger(value, step) : readNumber(value, loss);
-        };
-        return readObject(object, pointKeys, fields, onField) && fields.hasAll(0, pointKeys.size()) &&
-               m_document.isAtEnd();
+        const bool wellFormed = readObject(
+            object, fields, field<"step">([&](ondemand::value &value) { return readInteger(value, step); }),
+            field<"loss">([&](ondemand::value &value) { return readNumber(value, loss); }));
+        return wellFormed && fields.hasAll(0, 2) && m_document.isAtEnd();
     }
 
     JsonDocument m_document;

@@ -6,58 +6,93 @@ namespace zorel::backend::protocol {
 
 namespace {
 
-Reading readTier(ondemand::value value, NeuronActivityTier &tier)
+constexpr std::pair<std::string_view, NeuronActivityTier> tiers[]{{"inactive", NeuronActivityTier::inactive},
+                                                                  {"moderate", NeuronActivityTier::moderate},
+                                                                  {"high", NeuronActivityTier::high}};
+
+Reading readTier(ondemand::value &value, NeuronActivityTier &tier)
 {
     std::string_view name;
     const Reading reading = readUtf8(value, name);
     if (reading != Reading::taken)
         return reading;
-    if (name == "inactive")
-        tier = NeuronActivityTier::inactive;
-    else if (name == "moderate")
-        tier = NeuronActivityTier::moderate;
-    else if (name == "high")
-        tier = NeuronActivityTier::high;
-    else
-        return Reading::otherType;
-    return Reading::taken;
-}
-
-constexpr Keys<5> neuronKeys{"index", "activation", "dim_start", "dim_end", "tier"};
-
-Reading readNeuronField(std::size_t index, ondemand::value value, VisualNeuron &neuron)
-{
-    switch (index) {
-    case 0:
-        return readInteger(value, neuron.index);
-    case 1:
-        return readNumber(value, neuron.activation);
-    case 2:
-        return readInteger(value, neuron.dimStart);
-    case 3:
-        return readInteger(value, neuron.dimEnd);
-    default:
-        return readTier(value, neuron.tier);
+    for (const auto &[tierName, candidate] : tiers) {
+        if (tierName == name) {
+            tier = candidate;
+            return Reading::taken;
+        }
     }
+    return Reading::otherType;
 }
 
-Reading readNeuron(ondemand::value value, VisualNeuron &neuron)
+/// The tier where it stands in the text, when it is written without escapes.
+simdjson_inline bool readPlainTier(ondemand::value &value, NeuronActivityTier &tier)
+{
+    ondemand::raw_json_string text;
+    if (value.get_raw_json_string().get(text) != simdjson::SUCCESS)
+        return false;
+    for (const auto &[name, candidate] : tiers) {
+        if (text.unsafe_is_equal(name)) {
+            tier = candidate;
+            return true;
+        }
+    }
+    return false;
+}
+
+template <Key quotedKey>
+simdjson_inline bool findNext(JsonDocument &document, ondemand::object &object, ondemand::value &value)
+{
+    constexpr std::string_view quoted = quotedKey.text();
+    return document.comesNext(quoted) &&
+           object.find_field(quoted.substr(1, quoted.size() - 2)).get(value) == simdjson::SUCCESS;
+}
+
+/// A neuron with exactly its keys in the usual order, as nearly all are. find_field skips what stands before
+/// a key without a look at it, therefore each key must be seen to come next. Uses none of the parser's room
+/// for strings, so that the neuron can be read again when this returns false.
+simdjson_inline bool readUsualNeuron(JsonDocument &document, ondemand::object &object, VisualNeuron &neuron)
+{
+    ondemand::value value;
+    return findNext<"\"index\"">(document, object, value) &&
+           value.get_int64().get(neuron.index) == simdjson::SUCCESS &&
+           findNext<"\"activation\"">(document, object, value) &&
+           value.get_double().get(neuron.activation) == simdjson::SUCCESS &&
+           findNext<"\"dim_start\"">(document, object, value) &&
+           value.get_int64().get(neuron.dimStart) == simdjson::SUCCESS &&
+           findNext<"\"dim_end\"">(document, object, value) &&
+           value.get_int64().get(neuron.dimEnd) == simdjson::SUCCESS &&
+           findNext<"\"tier\"">(document, object, value) && readPlainTier(value, neuron.tier) &&
+           document.endsNext();
+}
+
+Reading readUnusualNeuron(ondemand::object object, VisualNeuron &neuron)
+{
+    FieldsRead fields;
+    const bool wellFormed = readObject(
+        object, fields, integerField<"index">(neuron.index), numberField<"activation">(neuron.activation),
+        integerField<"dim_start">(neuron.dimStart), integerField<"dim_end">(neuron.dimEnd),
+        field<"tier">([&](ondemand::value &value) { return readTier(value, neuron.tier); }));
+    if (!wellFormed)
+        return Reading::malformed;
+    return fields.hasAll(0, 5) ? Reading::taken : Reading::otherType;
+}
+
+simdjson_inline Reading readNeuron(JsonDocument &document, ondemand::value &value, VisualNeuron &neuron)
 {
     ondemand::object object;
     if (value.get_object().get(object) != simdjson::SUCCESS)
         return skipValue(value);
-    FieldsRead fields;
-    const auto onField = [&](std::size_t index, ondemand::value field) {
-        return readNeuronField(index, field, neuron);
-    };
-    if (!readObject(object, neuronKeys, fields, onField))
+    if (readUsualNeuron(document, object, neuron))
+        return Reading::taken;
+    if (!document.isAlive() || object.reset().error() != simdjson::SUCCESS)
         return Reading::malformed;
-    return fields.hasAll(0, neuronKeys.size()) ? Reading::taken : Reading::otherType;
+    return readUnusualNeuron(object, neuron);
 }
 
 /// Reads an array to its end, also when an element is not what it should be: the rest must still be JSON.
 template <class Element, class ReadElement>
-Reading readArray(ondemand::value value, std::vector<Element> &elements, ReadElement readElement)
+Reading readArray(ondemand::value &value, std::vector<Element> &elements, ReadElement readElement)
 {
     elements.clear();
     ondemand::array array;
@@ -68,76 +103,65 @@ Reading readArray(ondemand::value value, std::vector<Element> &elements, ReadEle
         ondemand::value elementValue;
         if (std::move(result).get(elementValue) != simdjson::SUCCESS)
             return Reading::malformed;
-        const Reading one = readElement(elementValue, elements.emplace_back());
+        Element element;
+        const Reading one = readElement(elementValue, element);
         if (one == Reading::malformed)
             return one;
+        elements.push_back(std::move(element));
         if (one == Reading::otherType)
             all = one;
     }
     return all;
 }
 
-constexpr Keys<2> layerKeys{"layer", "neurons"};
-
 /// `scratch` collects the neurons of one block after the other, so that each list is allocated once, with its
 /// exact size.
-Reading readLayer(ondemand::value value, LayerNeurons &layer, std::vector<VisualNeuron> &scratch)
+Reading readLayer(JsonDocument &document, ondemand::value &value, LayerNeurons &layer,
+                  std::vector<VisualNeuron> &scratch)
 {
     ondemand::object object;
     if (value.get_object().get(object) != simdjson::SUCCESS)
         return skipValue(value);
-    FieldsRead fields;
-    const auto onField = [&](std::size_t index, ondemand::value field) {
-        return index == 0 ? readInteger(field, layer.layer) : readArray(field, scratch, readNeuron);
+    const auto readElement = [&](ondemand::value &element, VisualNeuron &neuron) {
+        return readNeuron(document, element, neuron);
     };
-    if (!readObject(object, layerKeys, fields, onField))
+    FieldsRead fields;
+    const auto readNeurons = [&](ondemand::value &list) {
+        return readArray(list, scratch, readElement);
+    };
+    if (!readObject(object, fields, integerField<"layer">(layer.layer), field<"neurons">(readNeurons)))
         return Reading::malformed;
-    if (!fields.hasAll(0, layerKeys.size()))
+    if (!fields.hasAll(0, 2))
         return Reading::otherType;
     layer.neurons = scratch;
     return Reading::taken;
 }
 
-Reading readLayers(ondemand::value value, std::vector<LayerNeurons> &layers)
+Reading readLayers(JsonDocument &document, ondemand::value &value, std::vector<LayerNeurons> &layers)
 {
     std::vector<VisualNeuron> scratch;
-    return readArray(value, layers, [&](ondemand::value element, LayerNeurons &layer) {
-        return readLayer(element, layer, scratch);
+    return readArray(value, layers, [&](ondemand::value &element, LayerNeurons &layer) {
+        return readLayer(document, element, layer, scratch);
     });
-}
-
-constexpr Keys<7> snapshotKeys{eventKey,     "step",  "final", "n_layers", "neurons_per_layer",
-                               "hidden_dim", "layers"};
-
-Reading readSnapshotField(std::size_t index, ondemand::value value, NeuronSnapshotPayload &snapshot)
-{
-    switch (index) {
-    case 1:
-        return readInteger(value, snapshot.step);
-    case 2:
-        return readFlag(value, snapshot.final);
-    case 3:
-        return readInteger(value, snapshot.nLayers);
-    case 4:
-        return readInteger(value, snapshot.neuronsPerLayer);
-    case 5:
-        return readInteger(value, snapshot.hiddenDim);
-    default:
-        return readLayers(value, snapshot.layers);
-    }
 }
 
 } // namespace
 
-Reading readSnapshot(ondemand::object object, EventName &name, NeuronSnapshotPayload &snapshot)
+Reading readSnapshot(JsonDocument &document, ondemand::object object, EventName &name,
+                     NeuronSnapshotPayload &snapshot)
 {
     FieldsRead fields;
-    const auto onField = [&](std::size_t index, ondemand::value value) {
-        return index == 0 ? name.read(value) : readSnapshotField(index, value, snapshot);
-    };
-    if (!readObject(object, snapshotKeys, fields, onField))
+    const bool wellFormed = readObject(
+        object, fields, eventField(name), integerField<"step">(snapshot.step),
+        field<"final">([&](ondemand::value &v) { return readFlag(v, snapshot.final); }),
+        integerField<"n_layers">(snapshot.nLayers), field<"neurons_per_layer">([&](ondemand::value &v) {
+            return readInteger(v, snapshot.neuronsPerLayer);
+        }),
+        integerField<"hidden_dim">(snapshot.hiddenDim),
+        field<"layers">([&](ondemand::value &v) { return readLayers(document, v, snapshot.layers); }));
+    if (!wellFormed)
         return Reading::malformed;
-    return fields.hasAll(1, snapshotKeys.size() - 1) ? Reading::taken : Reading::otherType;
+    return fields.hasAll(1, 6) ? Reading::taken : Reading::otherType;
 }
 
 } // namespace zorel::backend::protocol

@@ -6,7 +6,7 @@ namespace {
 
 /// The states that come with nearly every line share their text with every status, instead of allocating it
 /// each time.
-Reading readState(ondemand::value value, QString &state)
+Reading readState(ondemand::value &value, QString &state)
 {
     struct KnownState
     {
@@ -35,60 +35,43 @@ Reading readState(ondemand::value value, QString &state)
 
 /// None for any other type.
 template <class Value>
-Reading readOptional(ondemand::value value, std::optional<Value> &target,
-                     Reading (*read)(ondemand::value, Value &))
+Reading readOptional(ondemand::value &value, std::optional<Value> &target,
+                     Reading (*read)(ondemand::value &, Value &))
 {
+    bool isNull = false;
+    if (value.is_null().get(isNull) == simdjson::SUCCESS && isNull) {
+        target.reset();
+        return Reading::otherType;
+    }
     const Reading reading = read(value, target.emplace());
     if (reading != Reading::taken)
         target.reset();
     return reading;
 }
 
-constexpr Keys<15> statusKeys{eventKey, "state",         "step",           "max_steps",      "loss",
-                              "lr",     "grad_norm",     "tokens_per_sec", "elapsed_s",      "val_loss",
-                              "error",  "prep_progress", "prep_detail",    "prep_elapsed_s", "prep_eta_s"};
+template <Key key>
+auto requiredNumber(double &target)
+{
+    return field<key>([&target](ondemand::value &value) { return readNumber(value, target); });
+}
+
+template <Key key>
+auto requiredInteger(std::int64_t &target)
+{
+    return field<key>([&target](ondemand::value &value) { return readInteger(value, target); });
+}
+
+template <Key key>
+auto numberOrZero(double &target)
+{
+    return field<key>(
+        [&target](ondemand::value &value) { return orDefault(readNumber(value, target), target, 0.0); });
+}
+
+/// The required keys, which stand behind "event" in the order below.
+constexpr std::string_view requiredKeys[]{"state", "step",      "max_steps",      "loss",
+                                          "lr",    "grad_norm", "tokens_per_sec", "elapsed_s"};
 constexpr std::size_t firstRequired = 1;
-constexpr std::size_t requiredCount = 8;
-
-Reading readRequired(std::size_t index, ondemand::value value, TrainStatusPayload &status)
-{
-    switch (index) {
-    case 1:
-        return readState(value, status.state);
-    case 2:
-        return readInteger(value, status.step);
-    case 3:
-        return readInteger(value, status.maxSteps);
-    case 4:
-        return readNumber(value, status.loss);
-    case 5:
-        return readNumber(value, status.lr);
-    case 6:
-        return readNumber(value, status.gradNorm);
-    case 7:
-        return readNumber(value, status.tokensPerSec);
-    default:
-        return readNumber(value, status.elapsedS);
-    }
-}
-
-Reading readTolerated(std::size_t index, ondemand::value value, TrainStatusPayload &status)
-{
-    switch (index) {
-    case 9:
-        return readOptional(value, status.valLoss, readNumber);
-    case 10:
-        return readOptional(value, status.error, readString);
-    case 11:
-        return orDefault(readNumber(value, status.prepProgress), status.prepProgress, 0.0);
-    case 12:
-        return orDefault(readString(value, status.prepDetail), status.prepDetail, QString());
-    case 13:
-        return orDefault(readNumber(value, status.prepElapsedS), status.prepElapsedS, 0.0);
-    default:
-        return orDefault(readNumber(value, status.prepEtaS), status.prepEtaS, 0.0);
-    }
-}
 
 } // namespace
 
@@ -96,20 +79,28 @@ Reading readStatus(ondemand::object object, EventName &name, TrainStatusPayload 
                    std::string_view &missing)
 {
     FieldsRead fields;
-    const auto onField = [&](std::size_t index, ondemand::value value) {
-        if (index == 0)
-            return name.read(value);
-        return index < firstRequired + requiredCount ? readRequired(index, value, status)
-                                                     : readTolerated(index, value, status);
-    };
-    if (!readObject(object, statusKeys, fields, onField))
+    const bool wellFormed = readObject(
+        object, fields, eventField(name),
+        field<"state">([&](ondemand::value &value) { return readState(value, status.state); }),
+        requiredInteger<"step">(status.step), requiredInteger<"max_steps">(status.maxSteps),
+        requiredNumber<"loss">(status.loss), requiredNumber<"lr">(status.lr),
+        requiredNumber<"grad_norm">(status.gradNorm), requiredNumber<"tokens_per_sec">(status.tokensPerSec),
+        requiredNumber<"elapsed_s">(status.elapsedS), field<"val_loss">([&](ondemand::value &value) {
+            return readOptional(value, status.valLoss, readNumber);
+        }),
+        field<"error">([&](ondemand::value &value) { return readOptional(value, status.error, readString); }),
+        numberOrZero<"prep_progress">(status.prepProgress), field<"prep_detail">([&](ondemand::value &value) {
+            return orDefault(readString(value, status.prepDetail), status.prepDetail, QString());
+        }),
+        numberOrZero<"prep_elapsed_s">(status.prepElapsedS), numberOrZero<"prep_eta_s">(status.prepEtaS));
+    if (!wellFormed)
         return Reading::malformed;
-    if (fields.hasAll(firstRequired, requiredCount))
+    if (fields.hasAll(firstRequired, std::size(requiredKeys)))
         return Reading::taken;
-    std::size_t index = firstRequired;
-    while (fields.has(index))
+    std::size_t index = 0;
+    while (fields.has(firstRequired + index))
         ++index;
-    missing = statusKeys[index];
+    missing = requiredKeys[index];
     return Reading::otherType;
 }
 
