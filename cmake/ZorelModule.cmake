@@ -22,7 +22,7 @@ endfunction()
 
 function(zorel_module folder)
   cmake_parse_arguments(PARSE_ARGV 1 module "" "" "DEPENDS;SOURCES")
-  if(NOT TARGET zorel_headers)
+  if(ZOREL_PRECOMPILE_HEADERS AND NOT TARGET zorel_headers)
     zorel_declare_shared_header()
   endif()
   string(REPLACE "/" "_" target "${folder}")

@@ -4,6 +4,8 @@
 #include <QSettings>
 #include <QVariant>
 
+#include <utility>
+
 namespace zorel::platform {
 
 namespace {

@@ -15,7 +15,7 @@ namespace {
 /// Empty when the system knows no user of that name.
 QString homeOfUser(const QString &name)
 {
-    constexpr std::size_t enoughForAnyEntry = 64 * 1024;
+    constexpr std::size_t enoughForAnyEntry = 65'536;
     std::vector<char> memory(enoughForAnyEntry);
     passwd entry = {};
     passwd *found = nullptr;

@@ -4,6 +4,8 @@
 
 #include <QSettings>
 
+#include <utility>
+
 namespace zorel::platform {
 
 std::unique_ptr<UserDefaults> makeStandardUserDefaults()

@@ -63,6 +63,7 @@ void BundleTest::executableElsewhereHasNoBundle_data()
     QTest::newRow("deeper") << QStringLiteral("/a/X.app/Contents/MacOS/bin/run");
     QTest::newRow("among the resources") << QStringLiteral("/a/X.app/Contents/Resources/run");
     QTest::newRow("without Contents") << QStringLiteral("/a/X.app/MacOS/run");
+    QTest::newRow("another folder than Contents") << QStringLiteral("/a/X.app/Content/MacOS/run");
     QTest::newRow("another ending") << QStringLiteral("/a/X.application/Contents/MacOS/run");
     QTest::newRow("an ending alone") << QStringLiteral("/a/.app/Contents/MacOS/run");
     QTest::newRow("relative") << QStringLiteral("X.app/Contents/MacOS/run");

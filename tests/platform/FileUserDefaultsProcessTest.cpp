@@ -115,9 +115,9 @@ void FileUserDefaultsProcessTest::killedWriterLeavesOldOrNewValues()
         probe.kill();
         QVERIFY(probe.waitForFinished());
         if (QFile::exists(m_file + QStringLiteral(".new")))
-        while (probe.canReadLine()) {
-            announced = probe.readLine().trimmed().toInt();
-        }
+            while (probe.canReadLine()) {
+                announced = probe.readLine().trimmed().toInt();
+            }
 
         QVERIFY(stored().has_value());
         const FileUserDefaults defaults(m_file);

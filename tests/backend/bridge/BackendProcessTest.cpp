@@ -367,13 +367,13 @@ void BackendProcessTest::theExitIsLoggedWithItsStatus()
 
 void BackendProcessTest::whatTheChildWroteLastComesBeforeItsExit()
 {
-    play({step(QStringLiteral("flood"), QJsonObject{{QStringLiteral("stderr"), 2000}}),
+    play({step(QStringLiteral("flood"), QJsonObject{{QStringLiteral("stderr"), 1500}}),
           logEvent(QStringLiteral("last words")), step(QStringLiteral("exit"), 1)});
     QSignalSpy exited(m_controller.get(), &BackendController::backendExited);
     QVERIFY(exited.wait(30'000));
     QCOMPARE(log().constLast(), QStringLiteral("backend exited (code 1)"));
     QVERIFY(log().contains(QStringLiteral("last words")));
-    QVERIFY(log().contains(QStringLiteral("[py stderr] line 1999")));
+    QVERIFY(log().contains(QStringLiteral("[py stderr] line 1499")));
 }
 
 void BackendProcessTest::aSendAfterTheExitIsSkipped()
