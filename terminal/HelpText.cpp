@@ -11,9 +11,9 @@ Trains a language model on your own texts, in this terminal. Put text files
 
   zorel-train --training-data ~/my-texts --steps 500
 
-It prepares the texts, trains, shows how far it is, and at the end says where the
-finished model lies. Ctrl-C stops and saves a checkpoint; --resume goes on from
-it. A second Ctrl-C stops at once.
+It prepares the texts, trains, shows how far it is, and at the end says where
+the finished model lies. Ctrl-C stops and saves a checkpoint; --resume goes on
+from it. A second Ctrl-C stops at once.
 
 The run
   --steps N               train N steps, 1 to 10000000 (default: the training
@@ -46,9 +46,9 @@ Output
   --help, -h              show this text
   --version               show the version
 
-  On a terminal the progress is drawn in place; elsewhere it is written as a line
-  now and then. Errors go to standard error. When nobody reads the output any
-  more (as with “| head -1”), the run stops as with Ctrl-C.
+  On a terminal the progress is drawn in place; elsewhere it is written as a
+  line now and then. Errors go to standard error. When nobody reads the output
+  any more (as with “| head -1”), the run stops as with Ctrl-C.
 
 Exit status
   0  the model is archived, or you stopped the run
@@ -67,7 +67,8 @@ Environment
   COLUMNS              width, where the terminal does not tell
 
 Python with MLX is looked for in ~/Library/Python/3.12 (down to 3.9), /usr/bin,
-/usr/local/bin and /opt/homebrew/bin. “./run” in the source folder sets one up.
+/usr/local/bin and /opt/homebrew/bin. “./run” in the source folder sets one
+up.
 )");
 }
 

@@ -28,7 +28,7 @@ int RunProgress::percent() const
 QString stateText(const RunProgress &progress)
 {
     static const QHash<QString, QString> texts{
-        {QStringLiteral("idle"), QStringLiteral("Starting")},
+        {QStringLiteral("idle"), QStringLiteral("Starting Python backend…")},
         {QStringLiteral("starting"), QStringLiteral("Warming up")},
         {QStringLiteral("preparing"), QStringLiteral("Preparing data")},
         {QStringLiteral("running"), QStringLiteral("Training")},
@@ -47,7 +47,8 @@ QString stateText(const RunProgress &progress)
     case TerminalRun::Phase::ended:
         break;
     }
-    return QStringLiteral("Finishing");
+    return progress.status.state == QLatin1String("stopping") ? QStringLiteral("Stopping")
+                                                              : QStringLiteral("Finishing");
 }
 
 } // namespace zorel::terminal

@@ -103,6 +103,9 @@ void TrainCommand::showLogLine(const QString &line)
 
 void TrainCommand::showProgress()
 {
+    if (m_run.phase() == TerminalRun::Phase::ended) {
+        return;
+    }
     const backend::protocol::TrainStatusPayload &status = m_controller.status();
     m_remainingTime.update(status);
     m_renderer->showProgress({m_run.phase(), m_settings.modelFamily(), status, m_remainingTime.seconds()});
