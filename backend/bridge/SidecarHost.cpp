@@ -42,7 +42,7 @@ SidecarHost SidecarHost::system(std::chrono::milliseconds probeLimit)
         host.scriptsRootOverride = qEnvironmentVariable("ZOREL_SCRIPTS_ROOT");
     }
     host.home = platform::StandardFolders::current().home;
-    if (const std::optional<platform::Bundle> bundle = platform::mainBundle()) {
+    if (const std::optional<platform::Bundle> &bundle = platform::mainBundle()) {
         host.bundleResources = bundle->resources;
         host.bundleParent = bundle->parent;
     }
