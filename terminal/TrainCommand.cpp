@@ -92,7 +92,7 @@ void TrainCommand::start()
 
 void TrainCommand::showLogLine(const QString &line)
 {
-    if (line.startsWith(QLatin1String("× "))) {
+    if (line.startsWith(QStringLiteral("× "))) {
         m_lastError = line;
         m_renderer->showError(line);
     } else if (m_options.log == TerminalOptions::Log::shown) {
@@ -187,13 +187,6 @@ int trainWith(const TerminalOptions &options, const TrainCommand::Streams &strea
     const std::unique_ptr<platform::UserDefaults> store = platform::makeStandardUserDefaults();
     const platform::StandardFolders folders = platform::StandardFolders::current();
     RunSettings runSettings(*store, folders, options);
-    if (options.keep == TerminalOptions::Keep::saved) {
-        const std::unique_ptr<platform::UserDefaults> saved = platform::makeStandardUserDefaults();
-        if (!holdTheSame(runSettings.settings(), app::settings::ZorelSettings(*saved, folders))) {
-            streams.errorMessages.writeError(
-                QStringLiteral("× The settings could not be saved; they hold for this run only."));
-        }
-    }
     return TrainCommand(options, runSettings.settings(), streams).execute();
 }
 
