@@ -70,7 +70,7 @@ void TrainCommand::connectSignals()
     connect(&m_signals, &SignalWatcher::interrupted, this, &TrainCommand::interrupt);
     connect(&m_signals, &SignalWatcher::hungUp, &m_run, &TerminalRun::stop);
     connect(&m_signals, &SignalWatcher::resized, this, [this] { m_renderer->redraw(); });
-    connect(&m_signals, &SignalWatcher::resumed, this, [this] { m_renderer->redraw(); });
+    connect(&m_signals, &SignalWatcher::resumed, this, [this] { m_renderer->drawAnew(); });
 }
 
 int TrainCommand::execute()

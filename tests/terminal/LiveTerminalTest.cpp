@@ -153,6 +153,7 @@ private Q_SLOTS:
     void showsThePreparation();
     void fitsNarrowTerminals();
     void followsTheSize();
+    void erasesNothingAfterASuspension();
     void writesErrorsAbove();
     void usesAsciiAndNoColoursWhereToldTo();
     void leavesTheLineCleanWhenInterrupted();
@@ -221,6 +222,18 @@ void LiveTerminalTest::followsTheSize()
     // The bar's 66 columns and the figures' 45 have been wrapped into 3 and 2 rows of 30.
     QVERIFY2(session.output().mid(before).startsWith("\r\x1b[4A\x1b[J"),
              session.output().mid(before).constData());
+}
+
+void LiveTerminalTest::erasesNothingAfterASuspension()
+{
+    TrainHome home;
+    home.play(upTo({status("running", 90, 200, 3.2, 45)}, home.pathOf(text("gate"))));
+    TerminalSession session(home, 100);
+    QTRY_VERIFY_WITH_TIMEOUT(session.output().contains("tokens/sec"), patience);
+    const qsizetype before = session.output().size();
+    session.interrupt(SIGCONT);
+    QTRY_VERIFY_WITH_TIMEOUT(session.output().mid(before).contains("tokens/sec"), patience);
+    QVERIFY(session.output().mid(before).startsWith("Training  "));
 }
 
 void LiveTerminalTest::writesErrorsAbove()
