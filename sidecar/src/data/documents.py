@@ -60,7 +60,7 @@ def read_documents(
         errors=error_handler(inspection.encoding),
     ) as stream:
         _require_unchanged(file, raw)
-        chunks = _chunks(stream, raw, on_position)
+        chunks = _chunks(file.name, stream, raw, on_position)
         if file.kind == JSON_LINES:
             texts = ((text,) for text in json_texts(lines(chunks), on_bad_line))
         else:
@@ -72,8 +72,16 @@ def read_documents(
         _require_unchanged(file, raw)
 
 
-def _chunks(stream: io.TextIOWrapper, raw: io.FileIO, on_position) -> Iterator[str]:
-    while chunk := stream.read(CHUNK_CHARACTERS):
+def _chunks(
+    name: str, stream: io.TextIOWrapper, raw: io.FileIO, on_position: Callable[[int], None]
+) -> Iterator[str]:
+    while True:
+        try:
+            chunk = stream.read(CHUNK_CHARACTERS)
+        except OSError as error:
+            raise PreparationError(f"{name} could not be read: {error.strerror}.") from error
+        if not chunk:
+            return
         on_position(raw.tell())
         yield chunk
 

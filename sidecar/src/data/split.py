@@ -68,7 +68,8 @@ class DocumentCensus:
 
     def _choose(self, target: float, salt: int) -> frozenset[int]:
         """Documents in an order drawn from the seed, until their bytes come near the target."""
-        ranked = sorted((mix(key ^ salt), key, size) for key, size in zip(self._keys, self._sizes))
+        documents = zip(self._keys, self._sizes, strict=True)
+        ranked = sorted((mix(key ^ salt), key, size) for key, size in documents)
         chosen, chosen_bytes = set(), 0
         for _, key, size in ranked:
             if chosen_bytes + size <= target:

@@ -16,6 +16,7 @@ SMALLEST_VOCABULARY = 256 + 3
 LONGEST_TOKEN = 64
 
 BATCH_CHARACTERS = 1 << 20
+REMEMBERED_WORDS = 200_000
 
 
 def train_tokenizer(texts: Iterable[str], vocab_size: int) -> Tokenizer:
@@ -51,6 +52,9 @@ def load_tokenizer(path: Path) -> Tokenizer:
     """For encoding a corpus: the name of a special token in a text is just text."""
     tokenizer = Tokenizer.from_file(str(path))
     tokenizer.encode_special_tokens = True
+    # Natural text repeats its words; measured, this encodes it 1.4 times as fast.
+    if hasattr(tokenizer.model, "_resize_cache"):
+        tokenizer.model._resize_cache(REMEMBERED_WORDS)
     return tokenizer
 
 
@@ -71,7 +75,7 @@ def encode_documents(
         encodings = encode([text for text, _ in batch], add_special_tokens=False)
         return [
             (np.array([BOS_ID, *encoding.ids, EOS_ID], dtype=dtype), flag)
-            for encoding, (_, flag) in zip(encodings, batch)
+            for encoding, (_, flag) in zip(encodings, batch, strict=True)
         ]
 
     with ThreadPoolExecutor(1) as executor:
