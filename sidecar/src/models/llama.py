@@ -7,6 +7,9 @@ from dataclasses import asdict, dataclass
 
 import mlx.core as mx
 import mlx.nn as nn
+from mlx.utils import tree_flatten
+
+from src.runtime.operations import causal_attention, gated_silu
 
 INITIAL_DEVIATION = 0.02
 
@@ -82,8 +85,7 @@ class Attention(nn.Module):
         keys = self.rope(keys, offset=offset)
         if cache is not None:
             keys, values = cache.extend(keys, values)
-        mask = "causal" if length > 1 else None
-        attended = mx.fast.scaled_dot_product_attention(queries, keys, values, scale=self.scale, mask=mask)
+        attended = causal_attention(queries, keys, values, self.scale)
         return self.o_proj(attended.transpose(0, 2, 1, 3).reshape(batch, length, width))
 
     @staticmethod
@@ -100,7 +102,7 @@ class FeedForward(nn.Module):
         self.down_proj = nn.Linear(shape.feed_forward_size, shape.hidden_size, bias=False)
 
     def __call__(self, hidden: mx.array) -> mx.array:
-        return self.down_proj(nn.silu(self.gate_proj(hidden)) * self.up_proj(hidden))
+        return self.down_proj(gated_silu(self.gate_proj(hidden), self.up_proj(hidden)))
 
 
 class Block(nn.Module):
@@ -152,7 +154,7 @@ class LlamaModel(nn.Module):
 
 
 def initial_weights(shape: LlamaShape, seed: int) -> dict[str, mx.array]:
-    """Normal weights; the projections back into the residual stream shrink with depth so that its variance stays level."""
+    """Normal weights; projections into the residual stream shrink with depth, so that its variance stays level."""
     names = weight_shapes(shape)
     keys = mx.random.split(mx.random.key(seed), len(names))
     residual = INITIAL_DEVIATION / math.sqrt(2 * shape.layers)
@@ -168,6 +170,4 @@ def initial_weights(shape: LlamaShape, seed: int) -> dict[str, mx.array]:
 
 def weight_shapes(shape: LlamaShape) -> dict[str, tuple[int, ...]]:
     """The weights' names and shapes, without allocating any."""
-    from mlx.utils import tree_flatten
-
     return {name: array.shape for name, array in tree_flatten(LlamaModel(shape).parameters())}

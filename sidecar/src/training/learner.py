@@ -10,8 +10,8 @@ import numpy as np
 from mlx.utils import tree_unflatten
 
 from src.models.llama import LlamaModel, initial_weights
-from src.models.loss import token_loss
 from src.models.sizing import Plan
+from src.runtime.operations import token_loss
 from src.settings import TrainingSettings
 
 EPSILON = 1e-8
