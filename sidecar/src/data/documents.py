@@ -72,9 +72,7 @@ def read_documents(
         _require_unchanged(file, raw)
 
 
-def _chunks(
-    name: str, stream: io.TextIOWrapper, raw: io.FileIO, on_position: Callable[[int], None]
-) -> Iterator[str]:
+def _chunks(name: str, stream: io.TextIOWrapper, raw: io.FileIO, on_position: Callable[[int], None]) -> Iterator[str]:
     while True:
         try:
             chunk = stream.read(CHUNK_CHARACTERS)
@@ -141,9 +139,7 @@ def lines(chunks: Iterable[str]) -> Iterator[str | None]:
         yield "".join(parts) if held <= LONGEST_JSON_LINE else None
 
 
-def json_texts(
-    numbered: Iterable[str | None], on_bad_line: Callable[[int, str], None]
-) -> Iterator[str]:
+def json_texts(numbered: Iterable[str | None], on_bad_line: Callable[[int, str], None]) -> Iterator[str]:
     for number, line in enumerate(numbered, 1):
         if line is None:
             on_bad_line(number, f"it is longer than {LONGEST_JSON_LINE >> 20} MiB")

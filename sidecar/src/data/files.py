@@ -86,8 +86,7 @@ def find_files(root: str, warnings: WarningLimiter) -> list[SourceFile]:
         except OSError as error:
             if not folder:
                 raise PreparationError(
-                    f"The Training Data folder {printable(root)} could not be read: "
-                    f"{error.strerror}."
+                    f"The Training Data folder {printable(root)} could not be read: {error.strerror}."
                 ) from error
             _warn_unreadable(warnings, folder, error)
             continue
@@ -110,9 +109,7 @@ def find_files(root: str, warnings: WarningLimiter) -> list[SourceFile]:
     return [file for _, file in found]
 
 
-def _training_file(
-    root: str, relative: str, info: os.stat_result, warnings: WarningLimiter
-) -> SourceFile | None:
+def _training_file(root: str, relative: str, info: os.stat_result, warnings: WarningLimiter) -> SourceFile | None:
     name = printable(relative)
     if not stat.S_ISREG(info.st_mode):
         warnings.add("are not ordinary files", f"Skipped {name}: it is not an ordinary file")

@@ -101,9 +101,7 @@ class Preparation:
                 f"it takes at least {SMALLEST_VOCABULARY}."
             )
         if not 0 <= request.validation_fraction <= 0.5:
-            raise PreparationError(
-                f"The validation share {request.validation_fraction} is not between 0 and 0.5."
-            )
+            raise PreparationError(f"The validation share {request.validation_fraction} is not between 0 and 0.5.")
 
     def _say_waiting(self) -> None:
         self._emit(0.0, "Waiting for another preparation in the same folder")
@@ -118,9 +116,7 @@ class Preparation:
         self._bytes = sum(file.size for file, _ in self._usable)
         self._section = section_length(self._bytes)
 
-        corpus_key = cache.key_of(
-            FORMAT_VERSION, [(file.kind, seen.digest) for file, seen in self._usable]
-        )
+        corpus_key = cache.key_of(FORMAT_VERSION, [(file.kind, seen.digest) for file, seen in self._usable])
         tokenizer_key = cache.key_of(corpus_key, request.vocab_size)
         tokens_key = cache.key_of(tokenizer_key, request.validation_fraction, request.seed)
         tokenizer_entry = self._cache_root / "tokenizers" / tokenizer_key
@@ -232,9 +228,7 @@ class Preparation:
         size = human_bytes(sum(file.size for file in files))
         return f"{human_files(len(files))} ({size})"
 
-    def _build(
-        self, tokenizer_entry: Path, tokenizer_meta: dict | None, tokens_entry: Path
-    ) -> dict:
+    def _build(self, tokenizer_entry: Path, tokenizer_meta: dict | None, tokens_entry: Path) -> dict:
         census, sample = self._count(sample_wanted=tokenizer_meta is None)
         if census.documents == 0:
             raise self._too_little()
@@ -275,9 +269,7 @@ class Preparation:
     def _bad_lines_summary(self, bad_lines: dict[str, int]) -> None:
         for name, count in bad_lines.items():
             lines = "1 line" if count == 1 else f"{count:,} lines"
-            self._warnings.add(
-                "had lines that could not be used", f"{lines} of {name} could not be used"
-            )
+            self._warnings.add("had lines that could not be used", f"{lines} of {name} could not be used")
 
     def _count(self, sample_wanted: bool) -> tuple[DocumentCensus, list[str]]:
         """Counts the distinct documents and picks the tokenizer's sample by their content."""

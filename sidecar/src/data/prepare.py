@@ -158,9 +158,7 @@ def _open(result: Result) -> PreparedCorpus:
     dtype: np.dtype = token_type(result.vocab_size)
     tokens = Path(result.tokens_folder)
     try:
-        train, validation = (
-            map_tokens(tokens / name, dtype) for name in ("train.bin", "validation.bin")
-        )
+        train, validation = (map_tokens(tokens / name, dtype) for name in ("train.bin", "validation.bin"))
     except OSError as error:
         raise PreparationError(
             f"The prepared training data in {tokens} could not be opened: {error.strerror}."
