@@ -10,8 +10,6 @@ from datetime import datetime
 from pathlib import Path
 from typing import Protocol
 
-import mlx.core as mx
-
 from src.archive.run_archive import FinishedRun, archive_run
 from src.data import (
     BatchSampler,
@@ -257,7 +255,6 @@ class PretrainRun:
         state = checkpoint.state
         self._run_id, self._curve = state.run_id, checkpoint.curve
         self._learner.restore(checkpoint.weights, checkpoint.optimizer, state.updates)
-        mx.random.state[0] = mx.array(state.random_state, dtype=mx.uint32)
         wanted = self._schedule
         stored = Schedule(**state.schedule)
         if not self._rate_was_edited(checkpoint):
@@ -412,7 +409,6 @@ class PretrainRun:
             settings=self._settings.values,
             schedule=vars(self._schedule),
             corpus={"fingerprint": corpus.fingerprint, "corpora": list(corpus.corpora)},
-            random_state=[int(word) for word in mx.random.state[0].tolist()],
         )
 
     def _leave(self) -> None:

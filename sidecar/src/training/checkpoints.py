@@ -1,4 +1,7 @@
-"""Whole checkpoints that appear at once: weights, optimizer, random state, position and loss curve."""
+"""Whole checkpoints that appear at once: weights, optimizer, position and loss curve.
+
+No random state is kept beside them: the first weights follow from the seed, and every batch from seed and step.
+"""
 
 from __future__ import annotations
 
@@ -43,7 +46,6 @@ class RunState:
     settings: dict
     schedule: dict
     corpus: dict
-    random_state: list
     format: int = FORMAT
     files: dict[str, int] = field(default_factory=dict)
 
