@@ -63,7 +63,7 @@ def stamp_of(info: os.stat_result) -> tuple[int, ...]:
 
 
 def find_files(root: str, warnings: WarningLimiter) -> list[SourceFile]:
-    """All training files below `root`, ordered by relative path whatever the listing's order.
+    """All training files below `root`, in an order that does not depend on the listing's.
 
     Links are followed, but no folder is entered twice, so loops end.
     """
@@ -72,7 +72,7 @@ def find_files(root: str, warnings: WarningLimiter) -> list[SourceFile]:
             f"The Training Data folder {printable(root)} does not exist. "
             "Create it, or choose another one in the settings."
         )
-    found: list[tuple[bytes, SourceFile]] = []
+    found: list[SourceFile] = []
     entered: set[tuple[int, int]] = set()
     pending = [""]
     while pending:
@@ -103,10 +103,9 @@ def find_files(root: str, warnings: WarningLimiter) -> list[SourceFile]:
             if stat.S_ISDIR(info.st_mode):
                 folders.append(relative)
             elif file := _training_file(root, relative, info, warnings):
-                found.append((os.fsencode(relative), file))
+                found.append(file)
         pending.extend(reversed(folders))
-    found.sort(key=lambda entry: entry[0])
-    return [file for _, file in found]
+    return found
 
 
 def _training_file(root: str, relative: str, info: os.stat_result, warnings: WarningLimiter) -> SourceFile | None:

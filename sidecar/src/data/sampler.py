@@ -47,7 +47,6 @@ class BatchSampler:
 
     def _window(self, start: int) -> np.ndarray:
         length = len(self._tokens)
-        start %= length
         end = start + self._context + 1
         if end <= length:
             return self._tokens[start:end]

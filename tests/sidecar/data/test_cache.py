@@ -80,6 +80,7 @@ def test_settings_are_part_of_the_key(prepare):
     base = prepare().result
     assert prepare(seed=8).result.tokenizer_folder == base.tokenizer_folder
     others = [prepare(seed=8), prepare(validation_fraction=0.2), prepare(vocab_size=300)]
+    assert list(others[0].tokens("validation")) != list(prepare().tokens("validation"))
     assert len({base.fingerprint, *(other.result.fingerprint for other in others)}) == 4
 
 
@@ -217,15 +218,20 @@ def test_leftovers_of_a_killed_preparation_go(prepare, cache_root):
     assert list((cache_root / cache.TEMPORARY).iterdir()) == []
 
 
+HOLD_LOCK = """
+import fcntl, sys
+lock = open(sys.argv[1], "ab")
+fcntl.flock(lock, fcntl.LOCK_EX)
+print(flush=True)
+sys.stdin.read()
+"""
+
+
 def test_a_second_preparation_waits_for_the_first(cache_root):
     cache_root.mkdir(parents=True)
     holder = subprocess.Popen(
-        [
-            sys.executable,
-            "-c",
-            "import fcntl,sys,time;f=open(sys.argv[1],'ab');fcntl.flock(f,2);print(flush=True);time.sleep(600)",
-            cache_root / "lock",
-        ],
+        [sys.executable, "-c", HOLD_LOCK, cache_root / "lock"],
+        stdin=subprocess.PIPE,
         stdout=subprocess.PIPE,
     )
     holder.stdout.readline()

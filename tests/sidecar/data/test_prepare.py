@@ -69,7 +69,7 @@ def test_prepared_corpus(write, data_root, cache_root, workers):
 
 def test_a_vocabulary_beyond_16_bits_gives_wider_tokens(write, data_root, cache_root):
     generator = random.Random(1)
-    words = ["".join(generator.choices(string.ascii_lowercase, k=9)) for _ in range(16_000)]
+    words = ["".join(generator.choices(string.ascii_lowercase, k=9)) for _ in range(20_000)]
     write("one.txt", " ".join(words * 2))
     prepared = run(data_root, cache_root, vocab_size=70_000)
     assert prepared.vocab_size > 65_536

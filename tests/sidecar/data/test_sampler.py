@@ -48,6 +48,11 @@ def test_seeds_and_epochs_differ():
     assert starts(first, 0) != sorted(starts(first, 0))
 
 
+def test_epochs_cut_the_tokens_at_different_places():
+    sampler = BatchSampler(np.arange(5000, dtype=np.uint16), 32, 1, 1)
+    assert len({starts(sampler, epoch)[0] % 32 for epoch in range(8)}) > 4
+
+
 def test_batch_larger_than_an_epoch_goes_on_with_the_next():
     tokens = np.arange(33, dtype=np.uint16)
     assert BatchSampler(tokens, 16, 7, 0).batch_at(5).shape == (7, 17)
