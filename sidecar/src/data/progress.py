@@ -1,4 +1,4 @@
-"""One falling-free fraction over phases that take very different times per byte."""
+"""One fraction, which never falls, over phases that take very different times per byte."""
 
 from __future__ import annotations
 

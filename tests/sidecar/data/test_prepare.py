@@ -190,8 +190,7 @@ def test_the_worker_dies_with_its_parent(data_root, cache_root):
         stderr=subprocess.PIPE,
         text=True,
     )
-    while "Looking through" not in parent.stdout.readline():
-        pass
+    assert any("Looking through" in line for line in parent.stdout)
     parent.kill()
     # The worker shares standard error, which ends only when both are gone.
     assert parent.stderr.read() == ""
