@@ -157,7 +157,7 @@ def _cross_entropy_rows(logits: mx.array, targets: mx.array) -> tuple[mx.array, 
 
 @_cross_entropy.vjp
 def _cross_entropy_gradient(inputs, cotangents, outputs):
-    logits, targets = inputs
+    _, targets = inputs
     _, powers, sums = outputs
     cotangent = cotangents[0][:, None]
     gradient = powers * (cotangent / sums)

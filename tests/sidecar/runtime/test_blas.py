@@ -38,6 +38,18 @@ def test_openblas_is_loaded_with_one_thread_per_usable_core():
 
 
 @linux_only
+def test_mlx_multiplies_with_it(tmp_path):
+    """The dynamic linker itself tells which library MLX's call of the matrix product was bound to."""
+    product = f"{ASK}; mlx.core.eval(mlx.core.ones((64, 64)) @ mlx.core.ones((64, 64)))"
+    environment = os.environ | {"LD_DEBUG": "bindings", "LD_DEBUG_OUTPUT": str(tmp_path / "bindings")}
+    subprocess.run([sys.executable, "-c", product], cwd=SCRIPTS_ROOT, env=environment, capture_output=True, check=True)
+    lines = [line for file in tmp_path.iterdir() for line in file.read_text(errors="replace").splitlines()]
+    bound = [line for line in lines if "libmlx.so" in line and "`cblas_sgemm'" in line]
+    assert bound
+    assert all("libopenblas" in line.split(" to ")[1] for line in bound)
+
+
+@linux_only
 def test_the_users_own_thread_count_is_kept():
     assert ", 1 thread (" in described(OPENBLAS_NUM_THREADS="1")
 
