@@ -1,6 +1,5 @@
 #include "tests/backend/protocol/ReferenceDecoder.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -127,10 +126,16 @@ NeuronSnapshotPayload snapshotOf(const QJsonObject &object)
     return snapshot;
 }
 
+QString lastComponent(const QString &path)
+{
+    const QStringList components = path.split(u'/', Qt::SkipEmptyParts);
+    return components.isEmpty() ? path.left(1) : components.last();
+}
+
 ArchivedModel archivedModelOf(const QJsonObject &object)
 {
     const QString path = textIn(object, "path").value_or(QString());
-    return {path, textIn(object, "folder_name").value_or(QFileInfo(path).fileName()),
+    return {path, textIn(object, "folder_name").value_or(lastComponent(path)),
             integerIn(object, "step").value_or(0), numberIn(object, "loss").value_or(0),
             numberIn(object, "elapsed").value_or(0)};
 }
