@@ -21,7 +21,8 @@ the list is used up, the child waits for "quit" or the end of input and exits wi
   {"stop_reading": true}            never read again; at the end of the list sleep until killed
   {"close_input": true}             close standard input; {"close_output": true} closes standard output
   {"echo_commands_to": "path"}      from here on append every line that is read to this file, as it came
-  {"report_to": "path"}             write arguments, working folder, environment and open descriptors as one JSON object
+  {"report_to": "path"}             write arguments, working folder, process id, environment and open descriptors as one
+                                    JSON object
   {"touch": "path"}                 create a file, to tell the test that this point is reached
   {"wait_for_file": "path"}         go on when the file exists
   {"grandchild": {"until_file": "path", "steps": [...]}}
@@ -157,7 +158,7 @@ class Scenario:
             except OSError:
                 pass  # the descriptor of the listing itself
         report = {"arguments": sys.orig_argv if hasattr(sys, "orig_argv") else sys.argv, "folder": os.getcwd(),
-                  "environment": dict(os.environ), "descriptors": sorted(descriptors)}
+                  "process": os.getpid(), "environment": dict(os.environ), "descriptors": sorted(descriptors)}
         with open(path + ".new", "w", encoding="utf-8") as file:
             json.dump(report, file)
         os.rename(path + ".new", path)

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "app/settings/ModelFamily.h"
+
+#include <QString>
+
+namespace zorel::app::presentation {
+
+/// What is being prepared: the sidecar's own words, or a sentence that suits the family when it gives none.
+QString preparationDetail(const QString &detail, settings::ModelFamily family);
+/// What a family's throughput figure counts: "Tokens/sec" or "Samples/sec".
+QString throughputLabel(settings::ModelFamily family);
+
+} // namespace zorel::app::presentation

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QByteArray>
+
+namespace zorel::terminal {
+
+/// A descriptor to write to. Waits for a slow reader; once the reader is gone, everything written is dropped.
+class OutputStream
+{
+public:
+    /// Does not own `descriptor`.
+    explicit OutputStream(int descriptor);
+
+    void write(const QByteArray &bytes);
+    /// True as soon as a write has failed: nobody reads any more, or the disk is full.
+    bool isClosed() const { return m_closed; }
+    bool isTerminal() const;
+    /// Width in columns: the terminal's own, else COLUMNS, else 80.
+    int columns() const;
+
+private:
+    int m_descriptor;
+    bool m_closed = false;
+};
+
+} // namespace zorel::terminal

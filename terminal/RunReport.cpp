@@ -1,0 +1,97 @@
+#include "terminal/RunReport.h"
+
+#include "app/presentation/Figures.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace zorel::terminal {
+
+using namespace app::presentation;
+using app::settings::ModelFamily;
+
+namespace {
+
+/// `text` as a shell takes it for one word.
+QString shellWord(QString text)
+{
+    static const QRegularExpression harmless(QStringLiteral("^[A-Za-z0-9_./,:=@%+-]+$"));
+    if (harmless.match(text).hasMatch()) {
+        return text;
+    }
+    return u'\'' + text.replace(u'\'', QStringLiteral("'\\''")) + u'\'';
+}
+
+} // namespace
+
+QString introduction(const app::settings::ZorelSettings &settings)
+{
+    return QStringLiteral("%1: %2\n  training data    %3\n  finished models  %4\n"
+                          "Ctrl-C stops and saves a checkpoint.")
+        .arg(title(settings.modelFamily()), title(settings.trainingCapability()),
+             settings.expanded(settings.trainingDataPath()),
+             settings.expanded(settings.finishedModelsPath()));
+}
+
+QString archiveReport(const backend::protocol::ArchivedModel &archive, const QString &scriptsRoot,
+                      ModelFamily family)
+{
+    QString report = QStringLiteral("✓ Model archived after %1 %2 in %3, final loss %4")
+                         .arg(groupedText(archive.step),
+                              archive.step == 1 ? QStringLiteral("step") : QStringLiteral("steps"),
+                              durationText(archive.elapsedS), lossText(archive.loss));
+    report += QStringLiteral("\n  ") + archive.path;
+    const QString generate = scriptsRoot + QStringLiteral("/generate");
+    if (family == ModelFamily::textLanguage && QFileInfo(generate).isExecutable()) {
+        report += QStringLiteral("\n\nTo print text from it:\n  %1 %2 --prompt \"Once upon a time\"")
+                      .arg(shellWord(generate), shellWord(archive.path));
+    }
+    return report;
+}
+
+QString stopReport(const backend::protocol::TrainStatusPayload &lastTrained)
+{
+    if (lastTrained.step <= 0) {
+        return QStringLiteral("Stopped before the first step.");
+    }
+    return QStringLiteral(
+               "Stopped at step %1 of %2. To go on from the latest checkpoint: zorel-train --resume")
+        .arg(groupedText(lastTrained.step), groupedText(lastTrained.maxSteps));
+}
+
+QString setUpHint()
+{
+    return QStringLiteral("To set everything up, type ./run in the program's source folder. Or install MLX "
+                          "yourself, and name the\n"
+                          "folder of the training scripts in ZOREL_SCRIPTS_ROOT. See zorel-train --help.");
+}
+
+QStringList lastErrorOutput(const std::deque<QString> &logLines, qsizetype most)
+{
+    const QLatin1String prefix("[py stderr] ");
+    QStringList lines;
+    for (auto line = logLines.rbegin(); line != logLines.rend() && lines.size() < most; ++line) {
+        if (line->startsWith(prefix)) {
+            lines.prepend(line->mid(prefix.size()));
+        }
+    }
+    return lines;
+}
+
+int exitStatus(TerminalRun::Outcome outcome)
+{
+    switch (outcome) {
+    case TerminalRun::Outcome::archived:
+    case TerminalRun::Outcome::stopped:
+        return 0;
+    case TerminalRun::Outcome::failed:
+        return 1;
+    case TerminalRun::Outcome::notStartable:
+        return 3;
+    }
+    return 1;
+}
+
+} // namespace zorel::terminal
