@@ -26,7 +26,7 @@ Reading readTier(ondemand::value &value, NeuronActivityTier &tier)
 }
 
 /// The tier where it stands in the text, when it is written without escapes.
-simdjson_inline bool readPlainTier(ondemand::value &value, NeuronActivityTier &tier)
+simdjson_inline bool readPlainTier(simdjson::simdjson_result<ondemand::value> value, NeuronActivityTier &tier)
 {
     ondemand::raw_json_string text;
     if (value.get_raw_json_string().get(text) != simdjson::SUCCESS)
@@ -40,29 +40,20 @@ simdjson_inline bool readPlainTier(ondemand::value &value, NeuronActivityTier &t
     return false;
 }
 
-template <Key quotedKey>
-simdjson_inline bool findNext(JsonDocument &document, ondemand::object &object, ondemand::value &value)
-{
-    constexpr std::string_view quoted = quotedKey.text();
-    return document.comesNext(quoted) &&
-           object.find_field(quoted.substr(1, quoted.size() - 2)).get(value) == simdjson::SUCCESS;
-}
-
 /// A neuron with exactly its keys in the usual order, as nearly all are. find_field skips what stands before
 /// a key without a look at it, therefore each key must be seen to come next. Uses none of the parser's room
 /// for strings, so that the neuron can be read again when this returns false.
 simdjson_inline bool readUsualNeuron(JsonDocument &document, ondemand::object &object, VisualNeuron &neuron)
 {
-    ondemand::value value;
-    return findNext<"\"index\"">(document, object, value) &&
-           value.get_int64().get(neuron.index) == simdjson::SUCCESS &&
-           findNext<"\"activation\"">(document, object, value) &&
-           value.get_double().get(neuron.activation) == simdjson::SUCCESS &&
-           findNext<"\"dim_start\"">(document, object, value) &&
-           value.get_int64().get(neuron.dimStart) == simdjson::SUCCESS &&
-           findNext<"\"dim_end\"">(document, object, value) &&
-           value.get_int64().get(neuron.dimEnd) == simdjson::SUCCESS &&
-           findNext<"\"tier\"">(document, object, value) && readPlainTier(value, neuron.tier) &&
+    return document.comesNext("\"index\"") &&
+           object.find_field("index").get_int64().get(neuron.index) == simdjson::SUCCESS &&
+           document.comesNext("\"activation\"") &&
+           object.find_field("activation").get_double().get(neuron.activation) == simdjson::SUCCESS &&
+           document.comesNext("\"dim_start\"") &&
+           object.find_field("dim_start").get_int64().get(neuron.dimStart) == simdjson::SUCCESS &&
+           document.comesNext("\"dim_end\"") &&
+           object.find_field("dim_end").get_int64().get(neuron.dimEnd) == simdjson::SUCCESS &&
+           document.comesNext("\"tier\"") && readPlainTier(object.find_field("tier"), neuron.tier) &&
            document.endsNext();
 }
 
