@@ -278,10 +278,10 @@ void LiveTerminalTest::leavesTheLineCleanWhenInterrupted()
     QTRY_VERIFY_WITH_TIMEOUT(session.hasEnded(), patience);
     QCOMPARE(session.exitCode(), 0);
     QCOMPARE(screen(session.output()).mid(4),
-             (QStringList{
-                 text("Stopping… Press Ctrl-C again to stop at once, without a checkpoint."),
-                 text("Stopped at step 90 of 200. To go on from the latest checkpoint: zorel-train --resume"),
-                 QString()}));
+             (QStringList{text("Stopping… Press Ctrl-C again to stop at once, without a checkpoint."),
+                          text("Stopped at step 90 of 200. To go on from the latest checkpoint: zorel-train "
+                               "--resume --steps 200"),
+                          QString()}));
     // Nothing was switched that would have to be switched back.
     QVERIFY(!session.output().contains("\x1b[?"));
 }
