@@ -77,10 +77,10 @@ Result readStatusEvent(ondemand::object object, EventName &name)
     return notJson();
 }
 
-Result readNeurons(JsonDocument &document, ondemand::object object, EventName &name)
+Result readNeurons(ondemand::object object, EventName &name)
 {
     NeuronSnapshotPayload snapshot;
-    switch (readSnapshot(document, object, name, snapshot)) {
+    switch (readSnapshot(object, name, snapshot)) {
     case Reading::taken:
         return accept(std::move(snapshot));
     case Reading::otherType:
@@ -161,7 +161,7 @@ Result readBareEvent(ondemand::object object, EventName &name)
     return readName(object, name) ? accept(Event()) : Result(notJson());
 }
 
-Result readEvent(EventKind kind, JsonDocument &document, ondemand::object object, EventName &name)
+Result readEvent(EventKind kind, ondemand::object object, EventName &name)
 {
     switch (kind) {
     case EventKind::ready:
@@ -169,7 +169,7 @@ Result readEvent(EventKind kind, JsonDocument &document, ondemand::object object
     case EventKind::status:
         return readStatusEvent(object, name);
     case EventKind::neurons:
-        return readNeurons(document, object, name);
+        return readNeurons(object, name);
     case EventKind::log:
         return readLog(object, name);
     case EventKind::error:
@@ -228,7 +228,7 @@ private:
             return notJson();
         if (const std::optional<EventKind> guess = guessKind(line)) {
             EventName name;
-            Result result = readEvent(*guess, m_document, object, name);
+            Result result = readEvent(*guess, object, name);
             if (name.is(*guess)) {
                 if (!m_document.isAtEnd())
                     result = notJson();
@@ -253,7 +253,7 @@ private:
             return DecodingError{"unknown event kind: " + std::string(*name.text())};
         if (!m_document.reopen(object))
             return notJson();
-        return readEvent(*kind, m_document, object, name);
+        return readEvent(*kind, object, name);
     }
 
     JsonDocument m_document;

@@ -115,7 +115,7 @@ bool JsonDocument::open(std::string_view text, std::size_t readable, ondemand::o
 
 bool JsonDocument::reopen(ondemand::object &object)
 {
-    if (!isAlive()) // given up at an error
+    if (!m_document.is_alive()) // given up at an error
         return false;
     m_document.rewind();
     return m_document.get_object().get(object) == simdjson::SUCCESS;

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -250,38 +249,10 @@ public:
     /// To be asked when the object was read: whether nothing follows it.
     bool isAtEnd();
 
-    /// Whether the next thing to be read is the end of an object.
-    simdjson_inline bool endsNext()
-    {
-        const char *next = position();
-        return next && *next == '}';
-    }
-
-    /// Whether the next thing to be read is this key, written plainly: `quoted` includes the quotation marks.
-    simdjson_inline bool comesNext(std::string_view quoted)
-    {
-        const char *next = position();
-        if (!next)
-            return false;
-        next += *next == ',' ? 1 : 0;
-        next += *next == ' ' ? 1 : 0;
-        return std::memcmp(next, quoted.data(), quoted.size()) == 0;
-    }
-
-    /// Whether reading can go on after something unexpected.
-    bool isAlive() { return m_document.is_alive(); }
-
     /// Gives back the memory that an unusually long text has needed.
     void close();
 
 private:
-    /// Where the next token stands; null at the end.
-    simdjson_inline const char *position()
-    {
-        const char *location = nullptr;
-        return m_document.current_location().get(location) == simdjson::SUCCESS ? location : nullptr;
-    }
-
     ondemand::parser m_parser;
     ondemand::document m_document;
     std::string m_copy;

@@ -1,5 +1,6 @@
 #include "backend/protocol/SnapshotReader.h"
 
+#include <cstring>
 #include <utility>
 
 namespace zorel::backend::protocol {
@@ -26,7 +27,7 @@ Reading readTier(ondemand::value &value, NeuronActivityTier &tier)
 }
 
 /// The tier where it stands in the text, when it is written without escapes.
-simdjson_inline bool readPlainTier(simdjson::simdjson_result<ondemand::value> value, NeuronActivityTier &tier)
+simdjson_inline bool readPlainTier(ondemand::value &value, NeuronActivityTier &tier)
 {
     ondemand::raw_json_string text;
     if (value.get_raw_json_string().get(text) != simdjson::SUCCESS)
@@ -40,21 +41,54 @@ simdjson_inline bool readPlainTier(simdjson::simdjson_result<ondemand::value> va
     return false;
 }
 
-/// A neuron with exactly its keys in the usual order, as nearly all are. find_field skips what stands before
-/// a key without a look at it, therefore each key must be seen to come next. Uses none of the parser's room
-/// for strings, so that the neuron can be read again when this returns false.
-simdjson_inline bool readUsualNeuron(JsonDocument &document, ondemand::object &object, VisualNeuron &neuron)
+/// Finds keys that follow each other. ondemand's find_field is the fastest way to a key, but skips what
+/// stands before it without a look at it; therefore each key must be seen to come next.
+class KeysInOrder
 {
-    return document.comesNext("\"index\"") &&
-           object.find_field("index").get_int64().get(neuron.index) == simdjson::SUCCESS &&
-           document.comesNext("\"activation\"") &&
-           object.find_field("activation").get_double().get(neuron.activation) == simdjson::SUCCESS &&
-           document.comesNext("\"dim_start\"") &&
-           object.find_field("dim_start").get_int64().get(neuron.dimStart) == simdjson::SUCCESS &&
-           document.comesNext("\"dim_end\"") &&
-           object.find_field("dim_end").get_int64().get(neuron.dimEnd) == simdjson::SUCCESS &&
-           document.comesNext("\"tier\"") && readPlainTier(object.find_field("tier"), neuron.tier) &&
-           document.endsNext();
+public:
+    /// `start` is the value that `object` was made of.
+    simdjson_inline KeysInOrder(std::string_view start, ondemand::object &object)
+        : m_next(start.data() + start.size())
+        , m_object(object)
+    {}
+
+    template <Key quotedKey>
+    simdjson_inline bool find(ondemand::value &value)
+    {
+        constexpr std::string_view quoted = quotedKey.text();
+        m_next += *m_next == ',' ? 1 : 0;
+        m_next += *m_next == ' ' ? 1 : 0;
+        if (std::memcmp(m_next, quotedKey.characters, quoted.size()) != 0)
+            return false;
+        m_isMalformed =
+            m_object.find_field(quoted.substr(1, quoted.size() - 2)).get(value) != simdjson::SUCCESS;
+        if (m_isMalformed)
+            return false;
+        const std::string_view token = value.raw_json_token();
+        m_next = token.data() + token.size();
+        return true;
+    }
+
+    bool isAtEnd() const { return *m_next == '}'; }
+    bool isMalformed() const { return m_isMalformed; }
+
+private:
+    const char *m_next; ///< the token after the last value
+    ondemand::object &m_object;
+    bool m_isMalformed = false;
+};
+
+/// A neuron with exactly its keys in the usual order, as nearly all are. Uses none of the parser's room for
+/// strings, so that the neuron can be read again when this returns false.
+simdjson_inline bool readUsualNeuron(KeysInOrder &keys, VisualNeuron &neuron)
+{
+    ondemand::value value;
+    return keys.find<"\"index\"">(value) && value.get_int64().get(neuron.index) == simdjson::SUCCESS &&
+           keys.find<"\"activation\"">(value) &&
+           value.get_double().get(neuron.activation) == simdjson::SUCCESS &&
+           keys.find<"\"dim_start\"">(value) && value.get_int64().get(neuron.dimStart) == simdjson::SUCCESS &&
+           keys.find<"\"dim_end\"">(value) && value.get_int64().get(neuron.dimEnd) == simdjson::SUCCESS &&
+           keys.find<"\"tier\"">(value) && readPlainTier(value, neuron.tier) && keys.isAtEnd();
 }
 
 Reading readUnusualNeuron(ondemand::object object, VisualNeuron &neuron)
@@ -69,14 +103,16 @@ Reading readUnusualNeuron(ondemand::object object, VisualNeuron &neuron)
     return fields.hasAll(0, 5) ? Reading::taken : Reading::otherType;
 }
 
-simdjson_inline Reading readNeuron(JsonDocument &document, ondemand::value &value, VisualNeuron &neuron)
+simdjson_inline Reading readNeuron(ondemand::value &value, VisualNeuron &neuron)
 {
+    const std::string_view start = value.raw_json_token();
     ondemand::object object;
     if (value.get_object().get(object) != simdjson::SUCCESS)
         return skipValue(value);
-    if (readUsualNeuron(document, object, neuron))
+    KeysInOrder keys(start, object);
+    if (readUsualNeuron(keys, neuron))
         return Reading::taken;
-    if (!document.isAlive() || object.reset().error() != simdjson::SUCCESS)
+    if (keys.isMalformed() || object.reset().error() != simdjson::SUCCESS)
         return Reading::malformed;
     return readUnusualNeuron(object, neuron);
 }
@@ -107,14 +143,13 @@ Reading readArray(ondemand::value &value, std::vector<Element> &elements, ReadEl
 
 /// `scratch` collects the neurons of one block after the other, so that each list is allocated once, with its
 /// exact size.
-Reading readLayer(JsonDocument &document, ondemand::value &value, LayerNeurons &layer,
-                  std::vector<VisualNeuron> &scratch)
+Reading readLayer(ondemand::value &value, LayerNeurons &layer, std::vector<VisualNeuron> &scratch)
 {
     ondemand::object object;
     if (value.get_object().get(object) != simdjson::SUCCESS)
         return skipValue(value);
     const auto readElement = [&](ondemand::value &element, VisualNeuron &neuron) {
-        return readNeuron(document, element, neuron);
+        return readNeuron(element, neuron);
     };
     FieldsRead fields;
     const auto readNeurons = [&](ondemand::value &list) {
@@ -128,18 +163,17 @@ Reading readLayer(JsonDocument &document, ondemand::value &value, LayerNeurons &
     return Reading::taken;
 }
 
-Reading readLayers(JsonDocument &document, ondemand::value &value, std::vector<LayerNeurons> &layers)
+Reading readLayers(ondemand::value &value, std::vector<LayerNeurons> &layers)
 {
     std::vector<VisualNeuron> scratch;
     return readArray(value, layers, [&](ondemand::value &element, LayerNeurons &layer) {
-        return readLayer(document, element, layer, scratch);
+        return readLayer(element, layer, scratch);
     });
 }
 
 } // namespace
 
-Reading readSnapshot(JsonDocument &document, ondemand::object object, EventName &name,
-                     NeuronSnapshotPayload &snapshot)
+Reading readSnapshot(ondemand::object object, EventName &name, NeuronSnapshotPayload &snapshot)
 {
     FieldsRead fields;
     const bool wellFormed = readObject(
@@ -149,7 +183,7 @@ Reading readSnapshot(JsonDocument &document, ondemand::object object, EventName 
             return readInteger(v, snapshot.neuronsPerLayer);
         }),
         integerField<"hidden_dim">(snapshot.hiddenDim),
-        field<"layers">([&](ondemand::value &v) { return readLayers(document, v, snapshot.layers); }));
+        field<"layers">([&](ondemand::value &v) { return readLayers(v, snapshot.layers); }));
     if (!wellFormed)
         return Reading::malformed;
     return fields.hasAll(1, 6) ? Reading::taken : Reading::otherType;
