@@ -1,6 +1,5 @@
 #include "backend/protocol/SnapshotReader.h"
 
-#include <cstring>
 #include <utility>
 
 namespace zorel::backend::protocol {
@@ -41,54 +40,16 @@ simdjson_inline bool readPlainTier(ondemand::value &value, NeuronActivityTier &t
     return false;
 }
 
-/// Finds keys that follow each other. ondemand's find_field is the fastest way to a key, but skips what
-/// stands before it without a look at it; therefore each key must be seen to come next.
-class KeysInOrder
-{
-public:
-    /// `start` is the value that `object` was made of.
-    simdjson_inline KeysInOrder(std::string_view start, ondemand::object &object)
-        : m_next(start.data() + start.size())
-        , m_object(object)
-    {}
-
-    template <Key quotedKey>
-    simdjson_inline bool find(ondemand::value &value)
-    {
-        constexpr std::string_view quoted = quotedKey.text();
-        m_next += *m_next == ',' ? 1 : 0;
-        m_next += *m_next == ' ' ? 1 : 0;
-        if (std::memcmp(m_next, quotedKey.characters, quoted.size()) != 0)
-            return false;
-        m_isMalformed =
-            m_object.find_field(quoted.substr(1, quoted.size() - 2)).get(value) != simdjson::SUCCESS;
-        if (m_isMalformed)
-            return false;
-        const std::string_view token = value.raw_json_token();
-        m_next = token.data() + token.size();
-        return true;
-    }
-
-    bool isAtEnd() const { return *m_next == '}'; }
-    bool isMalformed() const { return m_isMalformed; }
-
-private:
-    const char *m_next; ///< the token after the last value
-    ondemand::object &m_object;
-    bool m_isMalformed = false;
-};
-
 /// A neuron with exactly its keys in the usual order, as nearly all are. Uses none of the parser's room for
 /// strings, so that the neuron can be read again when this returns false.
 simdjson_inline bool readUsualNeuron(KeysInOrder &keys, VisualNeuron &neuron)
 {
     ondemand::value value;
-    return keys.find<"\"index\"">(value) && value.get_int64().get(neuron.index) == simdjson::SUCCESS &&
-           keys.find<"\"activation\"">(value) &&
-           value.get_double().get(neuron.activation) == simdjson::SUCCESS &&
-           keys.find<"\"dim_start\"">(value) && value.get_int64().get(neuron.dimStart) == simdjson::SUCCESS &&
-           keys.find<"\"dim_end\"">(value) && value.get_int64().get(neuron.dimEnd) == simdjson::SUCCESS &&
-           keys.find<"\"tier\"">(value) && readPlainTier(value, neuron.tier) && keys.isAtEnd();
+    return keys.find<"index">(value) && value.get_int64().get(neuron.index) == simdjson::SUCCESS &&
+           keys.find<"activation">(value) && value.get_double().get(neuron.activation) == simdjson::SUCCESS &&
+           keys.find<"dim_start">(value) && value.get_int64().get(neuron.dimStart) == simdjson::SUCCESS &&
+           keys.find<"dim_end">(value) && value.get_int64().get(neuron.dimEnd) == simdjson::SUCCESS &&
+           keys.find<"tier">(value) && readPlainTier(value, neuron.tier) && keys.isAtEnd();
 }
 
 Reading readUnusualNeuron(ondemand::object object, VisualNeuron &neuron)
@@ -109,7 +70,7 @@ simdjson_inline Reading readNeuron(ondemand::value &value, VisualNeuron &neuron)
     ondemand::object object;
     if (value.get_object().get(object) != simdjson::SUCCESS)
         return skipValue(value);
-    KeysInOrder keys(start, object);
+    KeysInOrder keys(start.data() + start.size(), object);
     if (readUsualNeuron(keys, neuron))
         return Reading::taken;
     if (keys.isMalformed() || object.reset().error() != simdjson::SUCCESS)
