@@ -6,6 +6,7 @@ import json
 from pathlib import Path
 
 import pytest
+
 from src.wire.commands import (
     CommandError,
     Quit,
@@ -35,9 +36,7 @@ def parse(**values):
 
 def test_every_command_is_read():
     assert parse(**PATHS) == SetPaths(Path("/a"), Path("/b"), Path("/c"))
-    assert parse(cmd="set_model_identity", identity={"name": "n"}) == SetModelIdentity(
-        {"name": "n"}
-    )
+    assert parse(cmd="set_model_identity", identity={"name": "n"}) == SetModelIdentity({"name": "n"})
     assert parse(
         cmd="set_training_profile",
         profile={"model_family": "multimodal", "training_capability": "lora"},
@@ -126,8 +125,6 @@ def test_lines_come_out_whole_however_the_bytes_are_cut():
 
 def test_a_line_that_is_too_long_is_one_bad_line_and_reading_resumes_after_it():
     splitter = LineSplitter(maximum=10)
-    lines = [
-        line for _ in range(5) for line in splitter.feed(b"xxxxxxxx")
-    ] + splitter.feed(b"x\n0123456789\nok\n")
+    lines = [line for _ in range(5) for line in splitter.feed(b"xxxxxxxx")] + splitter.feed(b"x\n0123456789\nok\n")
     assert [line for line in lines if isinstance(line, bytes)] == [b"0123456789", b"ok"]
     assert [type(line) for line in lines] == [BadLine, bytes, bytes]

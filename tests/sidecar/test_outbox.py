@@ -2,12 +2,14 @@
 
 from __future__ import annotations
 
+import itertools
 import json
 import os
 import threading
 import time
 
 import pytest
+
 from src.wire.outbox import Outbox, encode_event
 
 
@@ -111,14 +113,12 @@ def test_log_lines_beyond_the_bound_are_dropped_and_counted_and_errors_stay(pipe
 def test_at_most_ten_statuses_a_second(pipe, monkeypatch):
     """A lower bound of the distance, so that a slow machine cannot fail it."""
     written = []
-    monkeypatch.setattr(
-        pipe.outbox, "_write", lambda line: written.append(time.monotonic())
-    )
+    monkeypatch.setattr(pipe.outbox, "_write", lambda line: written.append(time.monotonic()))
     for state in ("starting", "preparing", "starting", "running"):
         pipe.outbox.send(status(1, state))
     pipe.outbox.close(60)
     assert len(written) == 4
-    assert all(later - earlier >= 0.1 for earlier, later in zip(written, written[1:]))
+    assert all(later - earlier >= 0.1 for earlier, later in itertools.pairwise(written))
 
 
 def test_a_closed_output_is_reported_once_and_sending_goes_on_without_effect(pipe):

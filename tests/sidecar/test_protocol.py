@@ -60,9 +60,7 @@ def last_state(child) -> str | None:
     return states[-1] if states else None
 
 
-@pytest.mark.parametrize(
-    "state", ["idle", "preparing", "running", "paused", "done", "error"]
-)
+@pytest.mark.parametrize("state", ["idle", "preparing", "running", "paused", "done", "error"])
 def test_in_every_state_a_bad_command_is_an_error_and_changes_nothing(sidecar, state):
     child = sidecar(**options(state))
     begin(child, state)
@@ -86,9 +84,7 @@ def test_in_every_state_a_bad_command_is_an_error_and_changes_nothing(sidecar, s
     assert last_state(child) == before
     child.send_raw(b"\n  \n")
     child.send("set_model_identity", identity={"name": "still listening"})
-    assert child.wait_for_kind("model_identity")["identity"] == {
-        "name": "still listening"
-    }
+    assert child.wait_for_kind("model_identity")["identity"] == {"name": "still listening"}
     assert child.quit() == 0
     assert child.errors == b""
 
@@ -100,11 +96,7 @@ def test_every_status_carries_all_keys_and_the_loss_of_its_step(library, sidecar
     losses = {point["step"]: point["loss"] for point in library.curve()}
     statuses = [event for event in child.events if event["event"] == "status"]
     assert all(set(status) >= REQUIRED_STATUS_KEYS for status in statuses)
-    assert all(
-        status["loss"] == losses[status["step"]]
-        for status in statuses
-        if status["step"]
-    )
+    assert all(status["loss"] == losses[status["step"]] for status in statuses if status["step"])
     assert statuses[-1]["val_loss"] > 0
     assert child.events[-2]["state"] == "done"
     assert child.events[-1] == {"event": "done"}
@@ -148,9 +140,7 @@ def test_stop_while_preparing_cancels_and_nothing_is_kept(library, sidecar):
 def test_stop_without_a_run_is_no_error(sidecar):
     child = sidecar()
     child.send("stop")
-    child.wait_for(
-        lambda event: event["event"] == "log" and "nothing to stop" in event["msg"]
-    )
+    child.wait_for(lambda event: event["event"] == "log" and "nothing to stop" in event["msg"])
     assert child.quit() == 0
     assert child.messages() == []
 
@@ -183,9 +173,7 @@ def test_when_the_application_is_gone_the_run_is_saved(library, sidecar, way):
     assert again.train(1, resume=True)["step"] >= 1
 
 
-def test_an_application_that_does_not_read_does_not_stall_the_training(
-    library, sidecar
-):
+def test_an_application_that_does_not_read_does_not_stall_the_training(library, sidecar):
     child = sidecar(read=False)
     child.send_raw(b'{"cmd":"dance"}\n' * 3000)
     child.start(400)
@@ -213,9 +201,7 @@ def archive_appears(library) -> None:
         ("text_language", "finetune"),
     ],
 )
-def test_what_these_scripts_cannot_train_is_refused_in_words(
-    sidecar, family, capability
-):
+def test_what_these_scripts_cannot_train_is_refused_in_words(sidecar, family, capability):
     child = sidecar()
     child.start(5, model_family=family, training_capability=capability)
     assert "text_language, pretrain" in child.wait_for_kind("error")["msg"]
@@ -239,14 +225,9 @@ def test_paths_set_during_a_run_count_from_the_next_run_on(library, sidecar, tmp
         "model_root": str(library.model),
     }
     child.send("set_paths", **new)
-    assert (
-        child.wait_for_kind("paths")
-        == {"event": "paths", "library_root": str(tmp_path)} | new
-    )
+    assert child.wait_for_kind("paths") == {"event": "paths", "library_root": str(tmp_path)} | new
     child.send("set_max_steps", n=1)
-    assert child.wait_for_kind("model_archived")["path"].startswith(
-        str(library.finished)
-    )
+    assert child.wait_for_kind("model_archived")["path"].startswith(str(library.finished))
     child.wait_for_kind("done")
     assert child.train(2)["path"].startswith(str(tmp_path / "new"))
 
@@ -258,9 +239,7 @@ def test_the_identity_counts_until_the_run_is_finished(library, sidecar):
     child.send("set_model_identity", identity={"name": "second"})
     child.send("set_max_steps", n=1)
     child.wait_for_kind("done")
-    assert json.loads((library.runs()[0] / "manifest.json").read_text())[
-        "model_identity"
-    ] == {"name": "second"}
+    assert json.loads((library.runs()[0] / "manifest.json").read_text())["model_identity"] == {"name": "second"}
 
 
 def test_resume_needs_a_checkpoint_and_the_same_data(library, sidecar):
@@ -269,17 +248,13 @@ def test_resume_needs_a_checkpoint_and_the_same_data(library, sidecar):
     assert "no checkpoint" in child.wait_for_kind("error")["msg"]
     child.wait_for_state("idle")
     child.train(5)
-    (library.data / "sea" / "more.txt").write_text(
-        "and now for something different " * 50
-    )
+    (library.data / "sea" / "more.txt").write_text("and now for something different " * 50)
     child.start(9, resume=True)
     assert "training data changed" in child.wait_for_kind("error")["msg"]
     child.wait_for_state("idle")
 
 
-def test_resuming_beyond_the_end_goes_on_and_at_the_end_archives_again(
-    library, sidecar
-):
+def test_resuming_beyond_the_end_goes_on_and_at_the_end_archives_again(library, sidecar):
     child = sidecar()
     child.train(5)
     first = library.curve()

@@ -35,9 +35,7 @@ def _poison(steps: set[int]) -> None:
         calls += 1
         loss, gradients = original(self, tokens)
         if calls in steps:
-            gradients = {
-                name: gradient * float("nan") for name, gradient in gradients.items()
-            }
+            gradients = {name: gradient * float("nan") for name, gradient in gradients.items()}
         return loss, gradients
 
     Learner._accumulated = poisoned
