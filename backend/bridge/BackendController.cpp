@@ -7,6 +7,7 @@
 #include "backend/protocol/CommandEncoder.h"
 #include "backend/protocol/Commands.h"
 #include "backend/protocol/Overloaded.h"
+#include "backend/protocol/Utf8Text.h"
 #include "library/ArchivedRunCount.h"
 #include "library/RunLibrary.h"
 
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <system_error>
 #include <utility>
 
 namespace zorel::backend::bridge {
@@ -110,6 +112,9 @@ void BackendController::launch()
         }));
     } catch (const LaunchError &error) {
         setFatalError(QStringLiteral("failed to launch Python backend: ") + QString::fromUtf8(error.what()));
+    } catch (const std::system_error &exhausted) {
+        setFatalError(QStringLiteral("failed to launch Python backend: ") +
+                      QString::fromStdString(exhausted.code().message()));
     }
 }
 
@@ -126,6 +131,14 @@ QMap<QString, QString> BackendController::childEnvironment() const
 
 void BackendController::attach(std::unique_ptr<ChildProcess> process)
 {
+    ChildPipes pipes = process->takePipes();
+    auto input = std::make_unique<CommandQueue>(std::move(pipes.input));
+    auto outputReader = std::make_unique<LineReader>(std::move(pipes.output),
+                                                     [this](const Line &line) { handleOutputLine(line); });
+    auto errorReader = std::make_unique<LineReader>(std::move(pipes.error), [this](const Line &line) {
+        appendLog(QStringLiteral("[py stderr] ") + protocol::toQString(line.text));
+    });
+
     // Readers of the last child may be on the call stack.
     for (std::unique_ptr<LineReader> *reader : {&m_outputReader, &m_errorReader}) {
         if (*reader) {
@@ -133,17 +146,11 @@ void BackendController::attach(std::unique_ptr<ChildProcess> process)
             reader->release()->deleteLater();
         }
     }
-
-    ChildPipes pipes = process->takePipes();
     m_process = std::move(process);
-    m_input = std::make_unique<CommandQueue>(std::move(pipes.input));
+    m_input = std::move(input);
+    m_outputReader = std::move(outputReader);
+    m_errorReader = std::move(errorReader);
     connect(m_input.get(), &CommandQueue::failed, this, &BackendController::reportSendFailure);
-    m_outputReader = std::make_unique<LineReader>(std::move(pipes.output),
-                                                  [this](const Line &line) { handleOutputLine(line); });
-    m_errorReader = std::make_unique<LineReader>(std::move(pipes.error), [this](const Line &line) {
-        appendLog(QStringLiteral("[py stderr] ") +
-                  QString::fromUtf8(line.text.data(), qsizetype(line.text.size())));
-    });
 
     // What the child wrote before it ended is applied before its end is.
     ++m_launches;
@@ -170,11 +177,15 @@ bool BackendController::isRunning() const
 
 void BackendController::handleExit(int status)
 {
-    appendLog(QStringLiteral("backend exited (code %1)").arg(status));
-    m_input.reset();
+    // A listener may launch the next child, so nothing of this one is touched after the first announcement.
+    const bool wasReady = std::exchange(m_ready, false);
+    closeInput();
     // The child may be the sender of the signal that led here.
     m_process.release()->deleteLater();
-    setReady(false);
+    appendLog(QStringLiteral("backend exited (code %1)").arg(status));
+    if (wasReady) {
+        Q_EMIT readyChanged();
+    }
     Q_EMIT backendExited(status);
 }
 
@@ -209,8 +220,15 @@ void BackendController::send(const QJsonObject &command)
 
 void BackendController::reportSendFailure(const QString &reason)
 {
+    closeInput();
     appendLog(QStringLiteral("× send failed: ") + reason);
+}
+
+void BackendController::closeInput()
+{
     if (m_input) {
+        m_input->disconnect(this);
+        // It may be the sender of the signal that led here.
         m_input.release()->deleteLater();
     }
 }

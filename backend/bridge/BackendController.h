@@ -137,6 +137,7 @@ private:
     void attach(std::unique_ptr<ChildProcess> process);
     QMap<QString, QString> childEnvironment() const;
     void reportSendFailure(const QString &reason);
+    void closeInput();
 
     void applyReady(std::int64_t defaultMaxSteps);
     void applyStatus(protocol::TrainStatusPayload status);

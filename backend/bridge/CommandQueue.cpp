@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 #include <unistd.h>
 
@@ -53,10 +54,17 @@ std::optional<QString> CommandQueue::send(const QString &name, const QByteArray 
         m_notifier->setEnabled(true);
         break;
     case WriteResult::failed:
-        m_waiting.clear();
-        return QString::fromLocal8Bit(std::strerror(errno));
+        return failureText();
     }
     return std::nullopt;
+}
+
+QString CommandQueue::failureText()
+{
+    const int error = errno;
+    m_waiting.clear();
+    m_notifier->setEnabled(false);
+    return QString::fromLocal8Bit(std::strerror(error));
 }
 
 void CommandQueue::replaceWaiting(const QString &name)
@@ -65,7 +73,14 @@ void CommandQueue::replaceWaiting(const QString &name)
         return;
     }
     // The front command may be half written already.
-    const auto first = m_waiting.begin() + (m_written > 0 ? 1 : 0);
+    auto first = m_waiting.begin() + (m_written > 0 ? 1 : 0);
+    if (setsValue(name)) {
+        // What a waiting "start" works with must reach the child before it.
+        const auto isBarrier = [](const Waiting &waiting) {
+            return !isAlwaysAdmitted(waiting.name);
+        };
+        first = std::find_if(m_waiting.rbegin(), std::make_reverse_iterator(first), isBarrier).base();
+    }
     m_waiting.erase(std::remove_if(first, m_waiting.end(),
                                    [&name](const Waiting &waiting) { return waiting.name == name; }),
                     m_waiting.end());
@@ -104,9 +119,7 @@ void CommandQueue::flush()
         case WriteResult::blocked:
             return;
         case WriteResult::failed:
-            m_waiting.clear();
-            m_notifier->setEnabled(false);
-            Q_EMIT failed(QString::fromLocal8Bit(std::strerror(errno)));
+            Q_EMIT failed(failureText());
             return;
         }
     }

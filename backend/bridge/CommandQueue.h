@@ -15,9 +15,9 @@ class QSocketNotifier;
 namespace zorel::backend::bridge {
 
 /// Writes commands to the child's standard input without ever waiting for it. What the child does not take at
-/// once is queued and written when it reads again; of the queued commands that set a value ("set_...") only
-/// the newest of each name is kept, so a child that never reads costs a bounded amount of memory. Owns the
-/// descriptor.
+/// once is queued and written when it reads again; of the commands that set a value ("set_...") and are
+/// queued with no other command than "stop" and "quit" between them only the newest of each name is kept, so
+/// a child that never reads costs a bounded amount of memory. Owns the descriptor.
 class CommandQueue : public QObject
 {
     Q_OBJECT
@@ -49,6 +49,8 @@ private:
     WriteResult writeFront();
     void flush();
     void replaceWaiting(const QString &name);
+    /// Why the last write failed; what waits is given up.
+    QString failureText();
     bool isFull() const;
 
     Descriptor m_descriptor;

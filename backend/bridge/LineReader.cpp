@@ -29,6 +29,9 @@ constexpr std::size_t readChunkBytes = std::size_t{64} * 1024;
 /// Lines, or the mark that a drain has come this far.
 struct Delivery
 {
+    /// What it holds in memory, roughly: of blank lines, their places take more than their text.
+    std::size_t bytes() const { return batch.bytes.size() + batch.lines.size() * sizeof(LineBatch::Span); }
+
     LineBatch batch;
     std::size_t nextLine = 0;
     std::function<void()> drained;
@@ -86,7 +89,7 @@ public:
         const std::lock_guard lock(m_mutex);
         m_notified = false;
         for (Delivery &delivery : m_deliveries) {
-            taken.push_back(std::move(delivery));
+            taken.push_back(std::make_shared<Delivery>(std::move(delivery)));
         }
         m_deliveries.clear();
     }
@@ -109,7 +112,7 @@ public:
         m_handled.notify_all();
     }
 
-    std::deque<Delivery> taken; ///< touched by the owner's thread alone
+    std::deque<std::shared_ptr<Delivery>> taken; ///< touched by the owner's thread alone
 
 private:
     enum class ReadResult { data, nothing, ended };
@@ -177,7 +180,7 @@ private:
             return;
         }
         Delivery delivery{splitter.take(), 0, {}};
-        const std::size_t bytes = delivery.batch.bytes.size();
+        const std::size_t bytes = delivery.bytes();
         {
             std::unique_lock lock(m_mutex);
             m_handled.wait(lock, [this, bytes] {
@@ -284,10 +287,11 @@ void LineReader::deliver()
     slice.start();
     std::size_t sinceClock = 0;
     while (!worker->taken.empty()) {
-        Delivery &delivery = worker->taken.front();
-        const LineBatch &batch = delivery.batch;
-        while (delivery.nextLine < batch.lines.size()) {
-            const LineBatch::Span &line = batch.lines[delivery.nextLine++];
+        // A handler that runs an event loop comes back here and may finish the batch before it returns.
+        const std::shared_ptr<Delivery> delivery = worker->taken.front();
+        const LineBatch &batch = delivery->batch;
+        while (delivery->nextLine < batch.lines.size()) {
+            const LineBatch::Span &line = batch.lines[delivery->nextLine++];
             m_handler({std::string_view(batch.bytes).substr(line.offset, line.length),
                        batch.bytes.size() - line.offset, line.truncated});
             if (!m_worker) {
@@ -302,15 +306,17 @@ void LineReader::deliver()
                 }
             }
         }
-        const Delivery handled = std::move(delivery);
+        if (worker->taken.empty() || worker->taken.front() != delivery) {
+            continue;
+        }
         worker->taken.pop_front();
-        if (handled.drained) {
-            handled.drained();
+        if (delivery->drained) {
+            delivery->drained();
             if (!m_worker) {
                 return;
             }
         }
-        worker->batchHandled(handled.batch.bytes.size());
+        worker->batchHandled(delivery->bytes());
     }
 }
 

@@ -61,15 +61,15 @@ std::optional<NumberParts> numberParts(std::string_view token)
     return token.empty() ? std::optional(parts) : std::nullopt;
 }
 
-/// The exponent; one too large for 64 bits as the largest there is, which no number of digits in memory can
-/// balance.
+/// The exponent, or one so large that no number of digits in memory can balance it; always far enough from
+/// the ends of 64 bits to go on counting.
 std::int64_t exponentOf(const NumberParts &parts)
 {
+    constexpr std::int64_t unbalanced = INT64_MAX / 2;
     std::int64_t magnitude = 0;
     const auto [end, error] =
         std::from_chars(parts.exponent.data(), parts.exponent.data() + parts.exponent.size(), magnitude);
-    if (error == std::errc::result_out_of_range)
-        magnitude = INT64_MAX / 2;
+    magnitude = error == std::errc::result_out_of_range ? unbalanced : std::min(magnitude, unbalanced);
     return parts.negativeExponent ? -magnitude : magnitude;
 }
 

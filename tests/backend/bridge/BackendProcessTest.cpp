@@ -316,8 +316,12 @@ void BackendProcessTest::blankLinesProduceNothing()
 
 void BackendProcessTest::linesOfStandardErrorAreLoggedWithAPrefix()
 {
-    play({step(QStringLiteral("stderr"), QStringLiteral("  a warning \t"))});
-    QTRY_VERIFY(log().contains(QStringLiteral("[py stderr]   a warning \t")));
+    const QString withMark = QChar(QChar::ByteOrderMark) + QStringLiteral("marked");
+    play({step(QStringLiteral("stderr"), QStringLiteral("  a warning \t")),
+          step(QStringLiteral("stderr"), withMark)});
+    QTRY_COMPARE(log().size(), 4);
+    QCOMPARE(log().at(2), QStringLiteral("[py stderr]   a warning \t"));
+    QCOMPARE(log().at(3), QStringLiteral("[py stderr] ") + withMark);
 }
 
 void BackendProcessTest::oddBytesAffectOnlyTheirLine()

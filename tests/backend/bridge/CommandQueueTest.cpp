@@ -28,6 +28,7 @@ private Q_SLOTS:
     void aCommandIsWrittenAtOnce();
     void whatDoesNotFitIsWrittenWhenTheChildReads();
     void onlyTheNewestWaitingValueIsSent();
+    void aValueSetBeforeAStartStaysBeforeIt();
     void aHalfWrittenCommandIsFinished();
     void aChildThatNeverReadsCostsBoundedMemory();
     void stopAndQuitAreTakenWhenTheQueueIsFull();
@@ -108,6 +109,22 @@ void CommandQueueTest::onlyTheNewestWaitingValueIsSent()
     const QByteArray received = readUntil("set_paths\n");
     QCOMPARE(received.count("set_model_identity"), 1);
     QVERIFY(received.contains("set_model_identity999\n"));
+}
+
+void CommandQueueTest::aValueSetBeforeAStartStaysBeforeIt()
+{
+    fillPipe();
+    const auto send = [this](const char *name, const char *text) {
+        QVERIFY(!m_queue->send(QString::fromLatin1(name), line(QString::fromLatin1(text))));
+    };
+    send("set_paths", "oldest");
+    send("set_paths", "first");
+    send("start", "start");
+    send("set_paths", "second");
+    send("stop", "stop");
+    send("set_paths", "last");
+    const QByteArray received = readUntil("last\n");
+    QCOMPARE(received.mid(received.indexOf('\n') + 1), QByteArray("first\nstart\nstop\nlast\n"));
 }
 
 void CommandQueueTest::aHalfWrittenCommandIsFinished()

@@ -27,6 +27,24 @@ void writeAll(int descriptor, std::string_view bytes)
     }
 }
 
+/// Repeats `block` until the pipe takes no more, or `enough` bytes are written. Returns their number.
+std::size_t writeUntilFull(const Pipe &pipe, const std::string &block, std::size_t enough)
+{
+    pipe.writeEnd.setNonBlocking();
+    std::size_t written = 0;
+    for (int refusals = 0; refusals < 100'000 && written < enough;) {
+        const ssize_t count = ::write(pipe.writeEnd.number(), block.data(), block.size());
+        if (count > 0) {
+            written += static_cast<std::size_t>(count);
+            refusals = 0;
+        } else {
+            ++refusals;
+            std::this_thread::yield();
+        }
+    }
+    return written;
+}
+
 struct Collector
 {
     std::vector<std::string> lines;
@@ -49,8 +67,10 @@ private Q_SLOTS:
     void aLineOf16MiBIsDecodable();
     void aLineOver64MiBIsCutAndReadingResumes();
     void readingPausesWhileTheOwnerIsBehind();
+    void blankLinesCountByTheMemoryTheyTake();
     void nothingIsDeliveredAfterStop();
     void aHandlerMayStopTheReader();
+    void aHandlerMayRunAnEventLoop();
     void whenDrainedComesAfterWhatThePipeHeld();
     void whenDrainedComesEvenAfterTheEndOfThePipe();
     void manyReadersLeaveNoDescriptorsBehind();
@@ -116,24 +136,23 @@ void LineReaderTest::readingPausesWhileTheOwnerIsBehind()
     LineReader reader(std::move(pipe.readEnd), collector.handler());
     // This thread does not return to its event loop, so nothing is handled: the pipe must fill up and stay
     // full.
-    pipe.writeEnd.setNonBlocking();
     const std::string line = std::string(1023, 'x') + "\n";
-    std::size_t written = 0;
     const std::size_t bound = LineReader::maximumBytesInFlight + std::size_t{1024} * 1024;
-    int refusals = 0;
-    while (refusals < 100'000 && written < 2 * bound) {
-        const ssize_t count = ::write(pipe.writeEnd.number(), line.data(), line.size());
-        if (count > 0) {
-            written += static_cast<std::size_t>(count);
-            refusals = 0;
-        } else {
-            ++refusals;
-            std::this_thread::yield();
-        }
-    }
+    const std::size_t written = writeUntilFull(pipe, line, 2 * bound);
     QVERIFY2(written < bound, qPrintable(QString::number(written)));
     // Once the owner is back, all of it arrives.
     QTRY_COMPARE_WITH_TIMEOUT(collector.lines.size(), written / line.size(), 30'000);
+}
+
+void LineReaderTest::blankLinesCountByTheMemoryTheyTake()
+{
+    Pipe pipe = Pipe::open();
+    Collector collector;
+    LineReader reader(std::move(pipe.readEnd), collector.handler());
+    const std::size_t bound = LineReader::maximumBytesInFlight / 4;
+    const std::size_t written = writeUntilFull(pipe, std::string(1024, '\n'), 2 * bound);
+    QVERIFY2(written < bound, qPrintable(QString::number(written)));
+    QTRY_COMPARE_WITH_TIMEOUT(collector.lines.size(), written, 30'000);
 }
 
 void LineReaderTest::nothingIsDeliveredAfterStop()
@@ -163,6 +182,25 @@ void LineReaderTest::aHandlerMayStopTheReader()
     QTRY_COMPARE(lines.size(), std::size_t{1});
     QCoreApplication::processEvents();
     QCOMPARE(lines.size(), std::size_t{1});
+}
+
+void LineReaderTest::aHandlerMayRunAnEventLoop()
+{
+    Pipe pipe = Pipe::open();
+    std::vector<std::string> lines;
+    LineReader reader(std::move(pipe.readEnd), [&](const Line &line) {
+        lines.emplace_back(line.text);
+        if (lines.size() == 1) { // as a listener does that shows a dialog
+            writeAll(pipe.writeEnd.number(), "three\n");
+            QTRY_COMPARE(lines.size(), std::size_t{3});
+            QCOMPARE(std::string(line.text), std::string("one"));
+        }
+    });
+    writeAll(pipe.writeEnd.number(), "one\ntwo\n");
+    QTRY_VERIFY(lines.size() >= 3);
+    writeAll(pipe.writeEnd.number(), "four\n");
+    QTRY_COMPARE(lines.size(), std::size_t{4});
+    QVERIFY((lines == std::vector<std::string>{"one", "two", "three", "four"}));
 }
 
 void LineReaderTest::whenDrainedComesAfterWhatThePipeHeld()

@@ -1,0 +1,179 @@
+#include "app/settings/ZorelSettings.h"
+#include "backend/bridge/BackendController.h"
+#include "platform/BrokenPipe.h"
+#include "tests/support/FakeSidecar.h"
+#include "tests/support/InMemoryUserDefaults.h"
+
+#include <QDir>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+using namespace zorel;
+using namespace zorel::backend;
+using backend::bridge::BackendController;
+using tests::step;
+
+namespace {
+
+/// Leaves this process room for so many more descriptors while it lives.
+class DescriptorLimit
+{
+public:
+    explicit DescriptorLimit(int more)
+    {
+        ::getrlimit(RLIMIT_NOFILE, &m_before);
+        // The lowest free number; those below are taken.
+        const int next = ::dup(0);
+        ::close(next);
+        rlimit limit = m_before;
+        limit.rlim_cur = static_cast<rlim_t>(next + more);
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &m_before); }
+    Q_DISABLE_COPY_MOVE(DescriptorLimit)
+
+private:
+    rlimit m_before = {};
+};
+
+} // namespace
+
+/// A controller that launches again and again, or cannot.
+class BackendRelaunchTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { platform::ignoreBrokenPipe(); }
+    void init();
+    void cleanup();
+
+    void aListenerOfTheLogMayRelaunch();
+    void aListenerOfAFailedSendMayRelaunch();
+    void hundredRelaunchesLeaveNothingBehind();
+    void withoutDescriptorsTheLaunchFailsAndTheNextSucceeds();
+
+private:
+    QStringList log() const { return {m_controller->logLines().begin(), m_controller->logLines().end()}; }
+
+    std::unique_ptr<tests::FakeSidecar> m_sidecar;
+    std::unique_ptr<tests::InMemoryUserDefaults> m_store;
+    std::unique_ptr<app::settings::ZorelSettings> m_settings;
+    std::unique_ptr<BackendController> m_controller;
+};
+
+void BackendRelaunchTest::init()
+{
+    m_sidecar = std::make_unique<tests::FakeSidecar>();
+    m_store = std::make_unique<tests::InMemoryUserDefaults>();
+    m_settings = std::make_unique<app::settings::ZorelSettings>(
+        *m_store, platform::StandardFolders::below(m_sidecar->root()));
+    m_controller = std::make_unique<BackendController>(*m_settings, m_sidecar->surroundings());
+}
+
+void BackendRelaunchTest::cleanup()
+{
+    if (m_controller->isRunning()) {
+        m_controller->killSidecar();
+        QTRY_VERIFY(!m_controller->isRunning());
+    }
+    m_controller.reset();
+    m_settings.reset();
+}
+
+void BackendRelaunchTest::aListenerOfTheLogMayRelaunch()
+{
+    m_sidecar->play({step(QStringLiteral("exit"), 3)});
+    int exits = 0;
+    connect(m_controller.get(), &BackendController::logLineAppended, this, [&](const QString &line) {
+        if (line == QLatin1String("backend exited (code 3)") && ++exits == 1) {
+            m_sidecar->play({step(QStringLiteral("emit"),
+                                  QJsonObject{{QStringLiteral("event"), QStringLiteral("ready")}})});
+            m_controller->launch();
+        }
+    });
+    m_controller->launch();
+    QTRY_VERIFY(m_controller->ready());
+    QCOMPARE(exits, 1);
+    m_controller->sendCommand(QStringLiteral("quit"));
+    QTRY_VERIFY(log().contains(QStringLiteral("backend exited (code 0)")));
+    QVERIFY(!log().join(u'\n').contains(QStringLiteral("skipped")));
+}
+
+void BackendRelaunchTest::aListenerOfAFailedSendMayRelaunch()
+{
+    m_sidecar->play(
+        {step(QStringLiteral("close_input"), true),
+         step(QStringLiteral("emit"), QJsonObject{{QStringLiteral("event"), QStringLiteral("done")}}),
+         step(QStringLiteral("stop_reading"), true)});
+    QSignalSpy done(m_controller.get(), &BackendController::backendDone);
+    m_controller->launch();
+    QVERIFY(done.wait(30'000));
+    connect(m_controller.get(), &BackendController::logLineAppended, this, [&](const QString &line) {
+        if (line.startsWith(QStringLiteral("× send failed"))) {
+            m_controller->killSidecar();
+            m_sidecar->play({step(QStringLiteral("emit"),
+                                  QJsonObject{{QStringLiteral("event"), QStringLiteral("ready")}})});
+            while (m_controller->isRunning()) {
+                QThread::yieldCurrentThread();
+            }
+            m_controller->launch();
+        }
+    });
+    m_controller->sendCommand(QStringLiteral("stop"));
+    QTRY_VERIFY(m_controller->ready());
+    m_controller->sendCommand(QStringLiteral("quit"));
+    QTRY_VERIFY(log().contains(QStringLiteral("backend exited (code 0)")));
+    QVERIFY(!log().join(u'\n').contains(QStringLiteral("skipped")));
+}
+
+void BackendRelaunchTest::hundredRelaunchesLeaveNothingBehind()
+{
+    m_sidecar->interpreter = QStringLiteral("/bin/true");
+    m_controller = std::make_unique<BackendController>(*m_settings, m_sidecar->surroundings());
+    QSignalSpy exited(m_controller.get(), &BackendController::backendExited);
+    const auto entries = [](const char *folder) {
+        return QDir(QLatin1String(folder)).entryList(QDir::AllEntries | QDir::System).size();
+    };
+    const auto launchOnce = [&] {
+        m_controller->launch();
+        return exited.wait(30'000);
+    };
+    QVERIFY(launchOnce());
+    const qsizetype descriptors = entries("/dev/fd");
+    const qsizetype threads = entries("/proc/self/task");
+    for (int round = 0; round < 100; ++round) {
+        QVERIFY(launchOnce());
+    }
+    QTRY_VERIFY(entries("/dev/fd") <= descriptors);
+    QTRY_VERIFY(entries("/proc/self/task") <= threads);
+}
+
+void BackendRelaunchTest::withoutDescriptorsTheLaunchFailsAndTheNextSucceeds()
+{
+    m_sidecar->interpreter = QStringLiteral("/bin/true");
+    int failures = 0;
+    for (bool failed = true; failed; ++failures) {
+        m_controller = std::make_unique<BackendController>(*m_settings, m_sidecar->surroundings());
+        QSignalSpy exited(m_controller.get(), &BackendController::backendExited);
+        {
+            const DescriptorLimit limit(failures);
+            m_controller->launch();
+        }
+        failed = m_controller->fatalError().has_value();
+        if (failed) {
+            QCOMPARE(*m_controller->fatalError(),
+                     QStringLiteral("failed to launch Python backend: Too many open files"));
+            QVERIFY(!m_controller->isRunning());
+            m_controller->launch();
+        }
+        QVERIFY(exited.wait(30'000));
+    }
+    QVERIFY(failures > 6); // of the child's pipes, and of those that wake the readers
+}
+
+QTEST_GUILESS_MAIN(BackendRelaunchTest)
+#include "BackendRelaunchTest.moc"
