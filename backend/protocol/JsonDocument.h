@@ -241,7 +241,8 @@ bool readObject(ondemand::object object, FieldsRead &fields, const Fields &...kn
 class KeysInOrder
 {
 public:
-    /// `next` points to what follows the object's bracket; null finds nothing.
+    /// `next` points to what follows the object's bracket. Every value found must be a scalar, or stop() be
+    /// called.
     simdjson_inline KeysInOrder(const char *next, ondemand::object &object)
         : m_next(next)
         , m_object(object)
@@ -251,8 +252,6 @@ public:
     simdjson_inline bool find(ondemand::value &value)
     {
         static constexpr Key literal = key;
-        if (!m_next)
-            return false;
         const char *name = m_next;
         name += *name == ',' ? 1 : 0;
         name += *name == ' ' ? 1 : 0;
@@ -262,12 +261,18 @@ public:
         if (m_isMalformed)
             return false;
         const std::string_view token = value.raw_json_token();
-        const bool isScalar = token.front() != '{' && token.front() != '[';
-        m_next = isScalar ? token.data() + token.size() : nullptr;
+        m_next = token.data() + token.size();
         return true;
     }
 
-    bool isAtEnd() const { return m_next && *m_next == '}'; }
+    /// Finds nothing any more.
+    void stop()
+    {
+        static constexpr char nothing[64] = {};
+        m_next = nothing;
+    }
+
+    bool isAtEnd() const { return *m_next == '}'; }
     bool isMalformed() const { return m_isMalformed; }
 
 private:
@@ -283,6 +288,9 @@ bool takeIfNext(KeysInOrder &keys, FieldsRead &fields, std::size_t index, const 
     ondemand::value value;
     if (!keys.find<Field::literal>(value))
         return !keys.isMalformed();
+    const char first = value.raw_json_token().front();
+    if (first == '{' || first == '[')
+        keys.stop();
     const Reading reading = known.read(value);
     fields.note(index, reading);
     return reading != Reading::malformed;
@@ -293,6 +301,8 @@ bool takeIfNext(KeysInOrder &keys, FieldsRead &fields, std::size_t index, const 
 template <class... Fields>
 bool readTopLevel(const char *firstKey, ondemand::object object, FieldsRead &fields, const Fields &...known)
 {
+    if (!firstKey)
+        return readObject(object, fields, known...);
     KeysInOrder keys(firstKey, object);
     std::size_t index = 0;
     if (!(takeIfNext(keys, fields, index++, known) && ...))

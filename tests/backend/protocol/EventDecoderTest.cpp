@@ -332,6 +332,9 @@ void EventDecoderTest::aKeyInsideAnotherValueIsNotMistaken()
         withKey(statusWithoutValidationLoss, R"("val_loss":[{"error":"inner"}],"error":"outer")"));
     QVERIFY(tolerated);
     QCOMPARE(tolerated->error, QStringLiteral("outer"));
+    // Taken for the next key, the inner one would have what is between skipped unseen.
+    QVERIFY(isBad(
+        withKey(statusWithoutValidationLoss, R"("val_loss":{"error":"inner"},"x":NaN,"error":"outer")")));
 }
 
 void EventDecoderTest::longTextsBeforeAnUnusualKeyAreTaken()
