@@ -29,6 +29,12 @@ M_TRIM_THRESHOLD = -1
 M_MMAP_THRESHOLD = -3
 KEEP_UP_TO_BYTES = 1 << 30
 
+# How wide a graph MLX still walks level by level. Beyond it goes branch by branch, and streams that should work side by
+# side would get their work one after the other.
+GRAPH_WIDTH = "4096"
+
+_openblas: ctypes.CDLL | None = None
+
 
 def prepare_blas() -> str:
     """Loads the best BLAS there is and returns one line about it for the log.
@@ -41,6 +47,7 @@ def prepare_blas() -> str:
         return "Accelerate"
     if not sys.platform.startswith("linux"):
         return "MLX's own BLAS"
+    os.environ.setdefault("MLX_BFS_MAX_WIDTH", GRAPH_WIDTH)
     _keep_freed_memory()
     wanted = os.environ.get("ZOREL_BLAS", "")
     if wanted == "bundled":
@@ -53,6 +60,12 @@ def prepare_blas() -> str:
             return description
     missing = f"{wanted} has no BLAS" if wanted else "libopenblas.so.0 was not found"
     return f"MLX's own BLAS (slow): {missing}; the package libopenblas0-pthread makes training far faster"
+
+
+def set_blas_threads(count: int) -> None:
+    """Threads of one matrix product from now on. Without OpenBLAS there is nothing to set."""
+    if _openblas is not None and hasattr(_openblas, "openblas_set_num_threads"):
+        _openblas.openblas_set_num_threads(count)
 
 
 def thread_count() -> int:
@@ -89,6 +102,8 @@ def _load(path: str) -> str | None:
         library = ctypes.CDLL(path, ctypes.RTLD_GLOBAL)
     except OSError:
         return None
+    global _openblas
+    _openblas = library
     return _describe(library, path)
 
 

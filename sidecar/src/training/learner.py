@@ -11,6 +11,7 @@ from mlx.utils import tree_unflatten
 
 from src.models.llama import LlamaModel, initial_weights
 from src.models.sizing import Plan
+from src.runtime.lanes import open_lanes
 from src.runtime.operations import token_loss
 from src.settings import TrainingSettings
 
@@ -43,9 +44,11 @@ class Learner:
         self.updates = 0
         self._settings = settings
         self._model = LlamaModel(plan.shape)
-        self._gradients = mx.value_and_grad(self._loss)
+        self._lanes = open_lanes(plan.batch)
+        # One function a lane: what is compiled keeps the stream that it was compiled on.
+        self._gradients = [mx.value_and_grad(self._loss) for _ in self._lanes]
+        self._evaluate = [self._loss for _ in self._lanes]
         self._update = self._adamw
-        self._evaluate = self._loss
         mx.eval(self.weights, self.first_moments, self.second_moments)
 
     def compile(self) -> str | None:
@@ -58,9 +61,9 @@ class Learner:
             mx.eval(probe)
         except (RuntimeError, OSError) as error:
             return str(error).strip().splitlines()[0] if str(error).strip() else type(error).__name__
-        self._gradients = mx.compile(mx.value_and_grad(self._loss))
+        self._gradients = [mx.compile(mx.value_and_grad(self._loss)) for _ in self._lanes]
+        self._evaluate = [mx.compile(self._loss) for _ in self._lanes]
         self._update = mx.compile(self._adamw)
-        self._evaluate = mx.compile(self._loss)
         return None
 
     def step(self, tokens: np.ndarray, rate: float) -> StepResult:
@@ -75,10 +78,13 @@ class Learner:
 
     def validation_loss(self, batches: list[np.ndarray]) -> float:
         total = 0.0
-        for batch in batches:
-            loss = self._evaluate(self.weights, mx.array(batch))
-            mx.eval(loss)
-            total += float(loss.item())
+        for first in range(0, len(batches), len(self._lanes)):
+            losses = []
+            for lane, evaluate, batch in zip(self._lanes, self._evaluate, batches[first:]):
+                with mx.stream(lane):
+                    losses.append(evaluate(self.weights, mx.array(batch)))
+            mx.eval(losses)
+            total += sum(float(loss.item()) for loss in losses)
         return total / len(batches)
 
     def activations(self, tokens: np.ndarray) -> np.ndarray:
@@ -110,16 +116,33 @@ class Learner:
 
     def _accumulated(self, tokens: np.ndarray) -> tuple[mx.array, Weights]:
         parts = self.plan.accumulation
-        loss, gradients = self._gradients(self.weights, mx.array(tokens[: self.plan.batch]))
+        loss, gradients = self._shared_out(tokens[: self.plan.batch])
         for part in range(1, parts):
             mx.eval(loss, gradients)
             rows = tokens[part * self.plan.batch : (part + 1) * self.plan.batch]
-            part_loss, part_gradients = self._gradients(self.weights, mx.array(rows))
+            part_loss, part_gradients = self._shared_out(rows)
             loss = loss + part_loss
             gradients = {name: gradients[name] + part_gradients[name] for name in gradients}
         if parts > 1:
             loss = loss / parts
             gradients = {name: gradient / parts for name, gradient in gradients.items()}
+        return loss, gradients
+
+    def _shared_out(self, tokens: np.ndarray) -> tuple[mx.array, Weights]:
+        """Loss and gradients of one batch, each lane taking some of its rows."""
+        if len(self._lanes) == 1:
+            return self._gradients[0](self.weights, mx.array(tokens))
+        parts = np.array_split(tokens, len(self._lanes))
+        results = []
+        for lane, gradients_of, rows in zip(self._lanes, self._gradients, parts):
+            with mx.stream(lane):
+                results.append(gradients_of(self.weights, mx.array(rows)))
+        shares = [len(rows) / len(tokens) for rows in parts]
+        loss = sum(loss * share for (loss, _), share in zip(results, shares))
+        gradients = {
+            name: sum(gradients[name] * share for (_, gradients), share in zip(results, shares))
+            for name in self.weights
+        }
         return loss, gradients
 
     def _apply(self, gradients: Weights, norm: float, rate: float) -> None:
