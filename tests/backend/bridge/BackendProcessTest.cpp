@@ -173,7 +173,7 @@ void BackendProcessTest::anUnsetPathAndHomeGetTheirDefaults()
     const QString scenario = QStringLiteral("[{\"report_to\":\"%1\"}]").arg(report);
     auto surroundings = m_sidecar->surroundings();
     surroundings.environment = [scenario] {
-        return QMap<QString, QString>{{QStringLiteral("ZOREL_FAKE_SCENARIO"), scenario}};
+        return backend::bridge::Environment{{"ZOREL_FAKE_SCENARIO", scenario.toUtf8()}};
     };
     m_controller = std::make_unique<BackendController>(*m_settings, surroundings);
     m_controller->launch();

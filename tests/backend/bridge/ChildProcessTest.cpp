@@ -22,7 +22,7 @@ ChildProgram shell(const QString &script)
     return {QStringLiteral("/bin/sh"),
             {QStringLiteral("-c"), script},
             QStringLiteral("/"),
-            {{QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin")}}};
+            {{"PATH", "/usr/bin:/bin"}}};
 }
 
 int statusOf(ChildProcess &child)
@@ -64,6 +64,7 @@ private Q_SLOTS:
     void launchFailuresNameTheCause_data();
     void launchFailuresNameTheCause();
     void theChildSeesOnlyItsStandardChannels();
+    void theEnvironmentIsHandedOnByteForByte();
     void theChildHandlesBrokenPipesAsUsual();
     void theChildIsAloneInItsProcessGroup();
     void theExitIsSeenWhileAGrandchildHoldsThePipes();
@@ -149,6 +150,17 @@ void ChildProcessTest::theChildSeesOnlyItsStandardChannels()
     ChildPipes pipes = child.takePipes();
     pipes.input.close();
     QCOMPARE(readAll(pipes.output), QByteArray("0 1 2 "));
+    QCOMPARE(statusOf(child), 0);
+}
+
+void ChildProcessTest::theEnvironmentIsHandedOnByteForByte()
+{
+    const QByteArray odd = "caf\xE9 u\xCC\x88 \xC3\xBC = x";
+    ChildProgram program = shell(QStringLiteral("printf %s \"$ODD\""));
+    program.environment.insert("ODD", odd);
+    ChildProcess child(program);
+    const ChildPipes pipes = child.takePipes();
+    QCOMPARE(readAll(pipes.output), odd);
     QCOMPARE(statusOf(child), 0);
 }
 
