@@ -59,5 +59,5 @@ function(zorel_test name)
   set(home "${CMAKE_CURRENT_BINARY_DIR}/${name}.home")
   file(MAKE_DIRECTORY "${home}")
   set_tests_properties(${folder}/${name} PROPERTIES TIMEOUT ${test_TIMEOUT}
-    ENVIRONMENT "HOME=${home};XDG_CONFIG_HOME=${home}/.config;QT_QPA_PLATFORM=offscreen;${test_ENVIRONMENT}")
+    ENVIRONMENT "HOME=${home};CFFIXED_USER_HOME=${home};XDG_CONFIG_HOME=${home}/.config;QT_QPA_PLATFORM=offscreen;${test_ENVIRONMENT}")
 endfunction()

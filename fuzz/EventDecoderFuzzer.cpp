@@ -103,7 +103,8 @@ void checkArchiveFiles(std::string_view line)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    const std::string_view line(reinterpret_cast<const char *>(data), size);
+    const std::string_view line =
+        size > 0 ? std::string_view(reinterpret_cast<const char *>(data), size) : "";
     checkEvent(line);
     checkArchiveFiles(line);
     require(startOfLine(line).size() <= static_cast<qsizetype>(std::min<std::size_t>(size, 16 * 1024 + 1)));

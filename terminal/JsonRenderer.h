@@ -21,6 +21,7 @@ public:
     void showError(const QString &text) override { m_messages.writeError(text); }
     void showLogLine(const QString &line) override { m_messages.write(line); }
     void redraw() override {}
+    void drawAnew() override {}
     void endProgress() override {}
     bool isClosed() const override { return m_output.isClosed(); }
 

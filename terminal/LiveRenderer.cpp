@@ -110,6 +110,12 @@ void LiveRenderer::redraw()
     draw();
 }
 
+void LiveRenderer::drawAnew()
+{
+    m_drawn.clear();
+    draw();
+}
+
 void LiveRenderer::endProgress()
 {
     m_terminal.write(erasure());

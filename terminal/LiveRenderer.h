@@ -31,6 +31,7 @@ public:
     void showError(const QString &text) override;
     void showLogLine(const QString &line) override;
     void redraw() override;
+    void drawAnew() override;
     void endProgress() override;
     bool isClosed() const override { return m_terminal.isClosed(); }
 

@@ -28,6 +28,7 @@ public:
     void showError(const QString &text) override { m_errors.writeError(text); }
     void showLogLine(const QString &line) override { m_output.write(line); }
     void redraw() override {}
+    void drawAnew() override {}
     void endProgress() override {}
     bool isClosed() const override { return m_output.isClosed(); }
 

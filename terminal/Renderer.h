@@ -23,8 +23,10 @@ public:
     virtual void showError(const QString &text) = 0;
     /// A line of the activity log.
     virtual void showLogLine(const QString &line) = 0;
-    /// The terminal has another size, or shows something else after a pause.
+    /// The terminal has another size.
     virtual void redraw() = 0;
+    /// The program was suspended, and others have written to the terminal.
+    virtual void drawAnew() = 0;
     /// Nothing more will be shown of the progress.
     virtual void endProgress() = 0;
     /// Whether what is written for the user is read by nobody any more.

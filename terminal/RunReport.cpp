@@ -56,9 +56,10 @@ QString stopReport(const backend::protocol::TrainStatusPayload &lastTrained)
     if (lastTrained.step <= 0) {
         return QStringLiteral("Stopped before the first step.");
     }
-    return QStringLiteral(
-               "Stopped at step %1 of %2. To go on from the latest checkpoint: zorel-train --resume")
-        .arg(groupedText(lastTrained.step), groupedText(lastTrained.maxSteps));
+    return QStringLiteral("Stopped at step %1 of %2. To go on from the latest checkpoint: zorel-train "
+                          "--resume --steps %3")
+        .arg(groupedText(lastTrained.step), groupedText(lastTrained.maxSteps),
+             QString::number(lastTrained.maxSteps));
 }
 
 QString setUpHint()

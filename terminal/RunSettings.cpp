@@ -2,9 +2,6 @@
 
 #include <QFileInfo>
 
-#include <algorithm>
-#include <array>
-
 namespace zorel::terminal {
 
 namespace {
@@ -74,18 +71,9 @@ RunSettings::RunSettings(platform::UserDefaults &store, const platform::Standard
     if (options.keep == TerminalOptions::Keep::saved) {
         ZorelSettings stored(store, folders);
         applyOptions(options, stored);
+        // The run may take days and end by force.
+        store.synchronize();
     }
-}
-
-bool holdTheSame(const ZorelSettings &left, const ZorelSettings &right)
-{
-    static constexpr std::array texts{&ZorelSettings::trainingDataPath, &ZorelSettings::finishedModelsPath,
-                                      &ZorelSettings::modelRootPath,    &ZorelSettings::modelName,
-                                      &ZorelSettings::modelVersion,     &ZorelSettings::modelAuthor,
-                                      &ZorelSettings::modelDescription, &ZorelSettings::modelLicense};
-    return std::ranges::all_of(texts, [&](auto text) { return (left.*text)() == (right.*text)(); }) &&
-           left.modelFamily() == right.modelFamily() &&
-           left.trainingCapability() == right.trainingCapability();
 }
 
 } // namespace zorel::terminal

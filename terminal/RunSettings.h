@@ -25,7 +25,4 @@ private:
     app::settings::ZorelSettings m_settings;
 };
 
-/// Whether two settings hold the same ten values.
-bool holdTheSame(const app::settings::ZorelSettings &left, const app::settings::ZorelSettings &right);
-
 } // namespace zorel::terminal

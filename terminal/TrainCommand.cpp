@@ -70,7 +70,7 @@ void TrainCommand::connectSignals()
     connect(&m_signals, &SignalWatcher::interrupted, this, &TrainCommand::interrupt);
     connect(&m_signals, &SignalWatcher::hungUp, &m_run, &TerminalRun::stop);
     connect(&m_signals, &SignalWatcher::resized, this, [this] { m_renderer->redraw(); });
-    connect(&m_signals, &SignalWatcher::resumed, this, [this] { m_renderer->redraw(); });
+    connect(&m_signals, &SignalWatcher::resumed, this, [this] { m_renderer->drawAnew(); });
 }
 
 int TrainCommand::execute()
@@ -92,7 +92,7 @@ void TrainCommand::start()
 
 void TrainCommand::showLogLine(const QString &line)
 {
-    if (line.startsWith(QLatin1String("× "))) {
+    if (line.startsWith(QStringLiteral("× "))) {
         m_lastError = line;
         m_renderer->showError(line);
     } else if (m_options.log == TerminalOptions::Log::shown) {
@@ -187,13 +187,6 @@ int trainWith(const TerminalOptions &options, const TrainCommand::Streams &strea
     const std::unique_ptr<platform::UserDefaults> store = platform::makeStandardUserDefaults();
     const platform::StandardFolders folders = platform::StandardFolders::current();
     RunSettings runSettings(*store, folders, options);
-    if (options.keep == TerminalOptions::Keep::saved) {
-        const std::unique_ptr<platform::UserDefaults> saved = platform::makeStandardUserDefaults();
-        if (!holdTheSame(runSettings.settings(), app::settings::ZorelSettings(*saved, folders))) {
-            streams.errorMessages.writeError(
-                QStringLiteral("× The settings could not be saved; they hold for this run only."));
-        }
-    }
     return TrainCommand(options, runSettings.settings(), streams).execute();
 }
 

@@ -62,11 +62,12 @@ Result readReady(ondemand::object object, EventName &name)
     return accept(event);
 }
 
-Result readStatusEvent(ondemand::object object, EventName &name)
+Result readStatusEvent(const char *firstKey, ondemand::object object, EventName &name)
 {
     Result result(std::in_place_index<0>, std::in_place_type<TrainStatusPayload>);
     std::string_view missing;
-    switch (readStatus(object, name, *std::get_if<TrainStatusPayload>(std::get_if<0>(&result)), missing)) {
+    switch (readStatus(firstKey, object, name, *std::get_if<TrainStatusPayload>(std::get_if<0>(&result)),
+                       missing)) {
     case Reading::taken:
         return result;
     case Reading::otherType:
@@ -77,10 +78,10 @@ Result readStatusEvent(ondemand::object object, EventName &name)
     return notJson();
 }
 
-Result readNeurons(JsonDocument &document, ondemand::object object, EventName &name)
+Result readNeurons(ondemand::object object, EventName &name)
 {
     NeuronSnapshotPayload snapshot;
-    switch (readSnapshot(document, object, name, snapshot)) {
+    switch (readSnapshot(object, name, snapshot)) {
     case Reading::taken:
         return accept(std::move(snapshot));
     case Reading::otherType:
@@ -161,15 +162,15 @@ Result readBareEvent(ondemand::object object, EventName &name)
     return readName(object, name) ? accept(Event()) : Result(notJson());
 }
 
-Result readEvent(EventKind kind, JsonDocument &document, ondemand::object object, EventName &name)
+Result readEvent(EventKind kind, const char *firstKey, ondemand::object object, EventName &name)
 {
     switch (kind) {
     case EventKind::ready:
         return readReady(object, name);
     case EventKind::status:
-        return readStatusEvent(object, name);
+        return readStatusEvent(firstKey, object, name);
     case EventKind::neurons:
-        return readNeurons(document, object, name);
+        return readNeurons(object, name);
     case EventKind::log:
         return readLog(object, name);
     case EventKind::error:
@@ -228,7 +229,7 @@ private:
             return notJson();
         if (const std::optional<EventKind> guess = guessKind(line)) {
             EventName name;
-            Result result = readEvent(*guess, m_document, object, name);
+            Result result = readEvent(*guess, m_document.firstKey(), object, name);
             if (name.is(*guess)) {
                 if (!m_document.isAtEnd())
                     result = notJson();
@@ -253,7 +254,7 @@ private:
             return DecodingError{"unknown event kind: " + std::string(*name.text())};
         if (!m_document.reopen(object))
             return notJson();
-        return readEvent(*kind, m_document, object, name);
+        return readEvent(*kind, nullptr, object, name);
     }
 
     JsonDocument m_document;

@@ -103,11 +103,12 @@ bool JsonDocument::open(std::string_view text, std::size_t readable, ondemand::o
         m_copy.assign(text).append(padding, ' ');
         text = std::string_view(m_copy.data(), text.size());
     }
-    if (m_parser.capacity() < text.size()) {
-        const std::size_t capacity = text.size() > usualLength ? text.size() : std::bit_ceil(text.size());
-        if (m_parser.allocate(capacity) != simdjson::SUCCESS)
-            return false;
-    }
+    // Room for the strings of a text that is read once in part and once again as a whole.
+    const bool isUsual = text.size() <= usualLength;
+    const std::size_t capacity = isUsual ? std::bit_ceil(2 * text.size()) : text.size();
+    m_firstKey = isUsual ? text.data() + start + 1 : nullptr;
+    if (m_parser.capacity() < capacity && m_parser.allocate(capacity) != simdjson::SUCCESS)
+        return false;
     const simdjson::padded_string_view padded(text.data(), text.size(), text.size() + padding);
     return m_parser.iterate(padded).get(m_document) == simdjson::SUCCESS &&
            m_document.get_object().get(object) == simdjson::SUCCESS;
@@ -115,7 +116,7 @@ bool JsonDocument::open(std::string_view text, std::size_t readable, ondemand::o
 
 bool JsonDocument::reopen(ondemand::object &object)
 {
-    if (!isAlive()) // given up at an error
+    if (!m_document.is_alive()) // given up at an error
         return false;
     m_document.rewind();
     return m_document.get_object().get(object) == simdjson::SUCCESS;
@@ -128,7 +129,7 @@ bool JsonDocument::isAtEnd()
 
 void JsonDocument::close()
 {
-    if (m_parser.capacity() > usualLength)
+    if (m_parser.capacity() > 2 * usualLength)
         m_parser = ondemand::parser();
     if (m_copy.capacity() > usualLength + padding)
         m_copy = std::string();

@@ -82,17 +82,20 @@ struct Key
 {
     consteval Key(const char (&literal)[size])
     {
-        std::copy_n(literal, size, characters);
-    } // NOLINT: reads like the literal
-    constexpr std::string_view text() const { return {characters, size - 1}; }
-    char characters[size] = {};
+        quoted[0] = '"';
+        std::copy_n(literal, size - 1, quoted + 1);
+        quoted[size] = '"';
+    }
+    constexpr std::string_view text() const { return {quoted + 1, size - 1}; }
+    char quoted[size + 1] = {};
 };
 
 /// A known key of an object and what to do with its value: a callable from ondemand::value to Reading.
 template <Key key, class Read>
 struct Field
 {
-    static constexpr std::string_view name = key.text();
+    static constexpr Key literal = key;
+    static constexpr std::string_view name = literal.text();
     Read read;
 };
 
@@ -233,6 +236,83 @@ bool readObject(ondemand::object object, FieldsRead &fields, const Fields &...kn
     return !rest.isMalformed();
 }
 
+/// Finds keys that follow each other. ondemand's find_field is the fastest way to a key, but skips what
+/// stands before it without a look at it; therefore each key must be seen to come next.
+class KeysInOrder
+{
+public:
+    /// `next` points to what follows the object's bracket. Every value found must be a scalar, or stop() be
+    /// called.
+    simdjson_inline KeysInOrder(const char *next, ondemand::object &object)
+        : m_next(next)
+        , m_object(object)
+    {}
+
+    template <Key key>
+    simdjson_inline bool find(ondemand::value &value)
+    {
+        static constexpr Key literal = key;
+        const char *name = m_next;
+        name += *name == ',' ? 1 : 0;
+        name += *name == ' ' ? 1 : 0;
+        if (std::memcmp(name, literal.quoted, sizeof literal.quoted) != 0)
+            return false;
+        m_isMalformed = m_object.find_field(literal.text()).get(value) != simdjson::SUCCESS;
+        if (m_isMalformed)
+            return false;
+        const std::string_view token = value.raw_json_token();
+        m_next = token.data() + token.size();
+        return true;
+    }
+
+    /// Finds nothing any more.
+    void stop()
+    {
+        static constexpr char nothing[64] = {};
+        m_next = nothing;
+    }
+
+    bool isAtEnd() const { return *m_next == '}'; }
+    bool isMalformed() const { return m_isMalformed; }
+
+private:
+    const char *m_next; ///< the token after the last value
+    ondemand::object &m_object;
+    bool m_isMalformed = false;
+};
+
+/// Takes the field if it comes next. False when the text is no JSON.
+template <class Field>
+bool takeIfNext(KeysInOrder &keys, FieldsRead &fields, std::size_t index, const Field &known)
+{
+    ondemand::value value;
+    if (!keys.find<Field::literal>(value))
+        return !keys.isMalformed();
+    const char first = value.raw_json_token().front();
+    if (first == '{' || first == '[')
+        keys.stop();
+    const Reading reading = known.read(value);
+    fields.note(index, reading);
+    return reading != Reading::malformed;
+}
+
+/// readObject for the top level of a document, for which nothing needs to be found out twice as long as only
+/// the known keys occur, in their order, some left out.
+template <class... Fields>
+bool readTopLevel(const char *firstKey, ondemand::object object, FieldsRead &fields, const Fields &...known)
+{
+    if (!firstKey)
+        return readObject(object, fields, known...);
+    KeysInOrder keys(firstKey, object);
+    std::size_t index = 0;
+    if (!(takeIfNext(keys, fields, index++, known) && ...))
+        return false;
+    if (keys.isAtEnd())
+        return object.find_field("").error() == simdjson::NO_SUCH_FIELD; // passes the closing bracket
+    fields = FieldsRead();
+    return object.reset().error() == simdjson::SUCCESS && readObject(object, fields, known...);
+}
+
 /// One JSON text whose top level is an object. Keeps the parser's memory for the next text.
 class JsonDocument
 {
@@ -247,44 +327,20 @@ public:
     /// Back to the start of the same text.
     bool reopen(ondemand::object &object);
 
+    /// What follows the object's bracket; null for a text that is too long to be read twice in part.
+    const char *firstKey() const { return m_firstKey; }
+
     /// To be asked when the object was read: whether nothing follows it.
     bool isAtEnd();
-
-    /// Whether the next thing to be read is the end of an object.
-    simdjson_inline bool endsNext()
-    {
-        const char *next = position();
-        return next && *next == '}';
-    }
-
-    /// Whether the next thing to be read is this key, written plainly: `quoted` includes the quotation marks.
-    simdjson_inline bool comesNext(std::string_view quoted)
-    {
-        const char *next = position();
-        if (!next)
-            return false;
-        next += *next == ',' ? 1 : 0;
-        next += *next == ' ' ? 1 : 0;
-        return std::memcmp(next, quoted.data(), quoted.size()) == 0;
-    }
-
-    /// Whether reading can go on after something unexpected.
-    bool isAlive() { return m_document.is_alive(); }
 
     /// Gives back the memory that an unusually long text has needed.
     void close();
 
 private:
-    /// Where the next token stands; null at the end.
-    simdjson_inline const char *position()
-    {
-        const char *location = nullptr;
-        return m_document.current_location().get(location) == simdjson::SUCCESS ? location : nullptr;
-    }
-
     ondemand::parser m_parser;
     ondemand::document m_document;
     std::string m_copy;
+    const char *m_firstKey = nullptr;
 };
 
 } // namespace zorel::backend::protocol

@@ -12,7 +12,7 @@ std::optional<NeuronSnapshotPayload> decodeSnapshot(std::string_view json, std::
         return std::nullopt;
     std::optional<NeuronSnapshotPayload> snapshot(std::in_place);
     EventName name;
-    if (readSnapshot(document, object, name, *snapshot) != Reading::taken || !document.isAtEnd())
+    if (readSnapshot(object, name, *snapshot) != Reading::taken || !document.isAtEnd())
         return std::nullopt;
     return snapshot;
 }

@@ -26,7 +26,7 @@ Reading readTier(ondemand::value &value, NeuronActivityTier &tier)
 }
 
 /// The tier where it stands in the text, when it is written without escapes.
-simdjson_inline bool readPlainTier(simdjson::simdjson_result<ondemand::value> value, NeuronActivityTier &tier)
+simdjson_inline bool readPlainTier(ondemand::value &value, NeuronActivityTier &tier)
 {
     ondemand::raw_json_string text;
     if (value.get_raw_json_string().get(text) != simdjson::SUCCESS)
@@ -40,21 +40,16 @@ simdjson_inline bool readPlainTier(simdjson::simdjson_result<ondemand::value> va
     return false;
 }
 
-/// A neuron with exactly its keys in the usual order, as nearly all are. find_field skips what stands before
-/// a key without a look at it, therefore each key must be seen to come next. Uses none of the parser's room
-/// for strings, so that the neuron can be read again when this returns false.
-simdjson_inline bool readUsualNeuron(JsonDocument &document, ondemand::object &object, VisualNeuron &neuron)
+/// A neuron with exactly its keys in the usual order, as nearly all are. Uses none of the parser's room for
+/// strings, so that the neuron can be read again when this returns false.
+simdjson_inline bool readUsualNeuron(KeysInOrder &keys, VisualNeuron &neuron)
 {
-    return document.comesNext("\"index\"") &&
-           object.find_field("index").get_int64().get(neuron.index) == simdjson::SUCCESS &&
-           document.comesNext("\"activation\"") &&
-           object.find_field("activation").get_double().get(neuron.activation) == simdjson::SUCCESS &&
-           document.comesNext("\"dim_start\"") &&
-           object.find_field("dim_start").get_int64().get(neuron.dimStart) == simdjson::SUCCESS &&
-           document.comesNext("\"dim_end\"") &&
-           object.find_field("dim_end").get_int64().get(neuron.dimEnd) == simdjson::SUCCESS &&
-           document.comesNext("\"tier\"") && readPlainTier(object.find_field("tier"), neuron.tier) &&
-           document.endsNext();
+    ondemand::value value;
+    return keys.find<"index">(value) && value.get_int64().get(neuron.index) == simdjson::SUCCESS &&
+           keys.find<"activation">(value) && value.get_double().get(neuron.activation) == simdjson::SUCCESS &&
+           keys.find<"dim_start">(value) && value.get_int64().get(neuron.dimStart) == simdjson::SUCCESS &&
+           keys.find<"dim_end">(value) && value.get_int64().get(neuron.dimEnd) == simdjson::SUCCESS &&
+           keys.find<"tier">(value) && readPlainTier(value, neuron.tier) && keys.isAtEnd();
 }
 
 Reading readUnusualNeuron(ondemand::object object, VisualNeuron &neuron)
@@ -69,14 +64,16 @@ Reading readUnusualNeuron(ondemand::object object, VisualNeuron &neuron)
     return fields.hasAll(0, 5) ? Reading::taken : Reading::otherType;
 }
 
-simdjson_inline Reading readNeuron(JsonDocument &document, ondemand::value &value, VisualNeuron &neuron)
+simdjson_inline Reading readNeuron(ondemand::value &value, VisualNeuron &neuron)
 {
+    const std::string_view start = value.raw_json_token();
     ondemand::object object;
     if (value.get_object().get(object) != simdjson::SUCCESS)
         return skipValue(value);
-    if (readUsualNeuron(document, object, neuron))
+    KeysInOrder keys(start.data() + start.size(), object);
+    if (readUsualNeuron(keys, neuron))
         return Reading::taken;
-    if (!document.isAlive() || object.reset().error() != simdjson::SUCCESS)
+    if (keys.isMalformed() || object.reset().error() != simdjson::SUCCESS)
         return Reading::malformed;
     return readUnusualNeuron(object, neuron);
 }
@@ -107,14 +104,13 @@ Reading readArray(ondemand::value &value, std::vector<Element> &elements, ReadEl
 
 /// `scratch` collects the neurons of one block after the other, so that each list is allocated once, with its
 /// exact size.
-Reading readLayer(JsonDocument &document, ondemand::value &value, LayerNeurons &layer,
-                  std::vector<VisualNeuron> &scratch)
+Reading readLayer(ondemand::value &value, LayerNeurons &layer, std::vector<VisualNeuron> &scratch)
 {
     ondemand::object object;
     if (value.get_object().get(object) != simdjson::SUCCESS)
         return skipValue(value);
     const auto readElement = [&](ondemand::value &element, VisualNeuron &neuron) {
-        return readNeuron(document, element, neuron);
+        return readNeuron(element, neuron);
     };
     FieldsRead fields;
     const auto readNeurons = [&](ondemand::value &list) {
@@ -128,18 +124,17 @@ Reading readLayer(JsonDocument &document, ondemand::value &value, LayerNeurons &
     return Reading::taken;
 }
 
-Reading readLayers(JsonDocument &document, ondemand::value &value, std::vector<LayerNeurons> &layers)
+Reading readLayers(ondemand::value &value, std::vector<LayerNeurons> &layers)
 {
     std::vector<VisualNeuron> scratch;
     return readArray(value, layers, [&](ondemand::value &element, LayerNeurons &layer) {
-        return readLayer(document, element, layer, scratch);
+        return readLayer(element, layer, scratch);
     });
 }
 
 } // namespace
 
-Reading readSnapshot(JsonDocument &document, ondemand::object object, EventName &name,
-                     NeuronSnapshotPayload &snapshot)
+Reading readSnapshot(ondemand::object object, EventName &name, NeuronSnapshotPayload &snapshot)
 {
     FieldsRead fields;
     const bool wellFormed = readObject(
@@ -149,7 +144,7 @@ Reading readSnapshot(JsonDocument &document, ondemand::object object, EventName 
             return readInteger(v, snapshot.neuronsPerLayer);
         }),
         integerField<"hidden_dim">(snapshot.hiddenDim),
-        field<"layers">([&](ondemand::value &v) { return readLayers(document, v, snapshot.layers); }));
+        field<"layers">([&](ondemand::value &v) { return readLayers(v, snapshot.layers); }));
     if (!wellFormed)
         return Reading::malformed;
     return fields.hasAll(1, 6) ? Reading::taken : Reading::otherType;

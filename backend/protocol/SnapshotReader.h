@@ -7,9 +7,8 @@
 
 namespace zorel::backend::protocol {
 
-/// Reads a snapshot's keys from the top level `object` of `document`, and "event" on the way into `name`.
+/// Reads a snapshot's keys from the top level of `object`, and "event" on the way into `name`.
 /// Reading::otherType when a key is missing or has another type.
-Reading readSnapshot(JsonDocument &document, ondemand::object object, EventName &name,
-                     NeuronSnapshotPayload &snapshot);
+Reading readSnapshot(ondemand::object object, EventName &name, NeuronSnapshotPayload &snapshot);
 
 } // namespace zorel::backend::protocol

@@ -75,12 +75,12 @@ constexpr std::size_t firstRequired = 1;
 
 } // namespace
 
-Reading readStatus(ondemand::object object, EventName &name, TrainStatusPayload &status,
+Reading readStatus(const char *firstKey, ondemand::object object, EventName &name, TrainStatusPayload &status,
                    std::string_view &missing)
 {
     FieldsRead fields;
-    const bool wellFormed = readObject(
-        object, fields, eventField(name),
+    const bool wellFormed = readTopLevel(
+        firstKey, object, fields, eventField(name),
         field<"state">([&](ondemand::value &value) { return readState(value, status.state); }),
         requiredInteger<"step">(status.step), requiredInteger<"max_steps">(status.maxSteps),
         requiredNumber<"loss">(status.loss), requiredNumber<"lr">(status.lr),

@@ -7,9 +7,10 @@
 
 namespace zorel::backend::protocol {
 
-/// Reads a status from the top level of `object`, and "event" on the way into `name`. Reading::otherType when
-/// a required key is missing or has another type; `missing` then holds its name.
-Reading readStatus(ondemand::object object, EventName &name, TrainStatusPayload &status,
+/// Reads a status from `object`, the top level of a document with this `firstKey`, and "event" on the way
+/// into `name`. Reading::otherType when a required key is missing or has another type; `missing` then holds
+/// its name.
+Reading readStatus(const char *firstKey, ondemand::object object, EventName &name, TrainStatusPayload &status,
                    std::string_view &missing);
 
 } // namespace zorel::backend::protocol

@@ -1,4 +1,7 @@
-"""Writes status lines as fast as an unbuffered Python can: json.dumps and one write a line. Usage: emit_lines.py COUNT"""
+"""Writes status lines as fast as an unbuffered Python can: json.dumps and one write a line.
+
+Usage: emit_lines.py COUNT
+"""
 
 import json
 import os

@@ -203,6 +203,7 @@ class PretrainRun:
 
     def _build(self, checkpoint: Checkpoint | None) -> None:
         self._plan = self._choose_plan(checkpoint)
+        self._tokenizer = self._read_tokenizer()
         shape = self._plan.shape
         if self._corpus.train.size < shape.context + 1:
             raise RunFailed(
@@ -232,6 +233,14 @@ class PretrainRun:
             self._outbox.log(f"Training without fused operations, which is slower: {reason}", "WARNING")
         if checkpoint is None:
             self._begin_checkpoints()
+
+    def _read_tokenizer(self) -> bytes:
+        """Held from the start, so that a working folder that goes away does not cost the archive."""
+        path = self._corpus.tokenizer_path
+        try:
+            return path.read_bytes()
+        except OSError as error:
+            raise RunFailed(f"The tokenizer {path} cannot be read ({error.strerror}).") from error
 
     def _choose_plan(self, checkpoint: Checkpoint | None) -> Plan:
         machine = this_machine()
@@ -449,6 +458,7 @@ class PretrainRun:
             shape=self._plan.shape,
             weights=self._learner.weights,
             corpus=self._corpus,
+            tokenizer=self._tokenizer,
             curve=self._curve,
             snapshot=final_snapshot,
             step=self._step,

@@ -36,7 +36,9 @@ def test_an_arrow_of_the_table_is_fine(tree):
 
 
 def test_an_arrow_upwards_is_found(tree):
-    assert problems(tree(lower__B_cpp='#  include "upper/part/A.h"\n')) == ["lower/B.cpp: lower -> upper/part is no allowed arrow"]
+    assert problems(tree(lower__B_cpp='#  include "upper/part/A.h"\n')) == [
+        "lower/B.cpp: lower -> upper/part is no allowed arrow"
+    ]
 
 
 def test_an_include_from_nowhere_is_found(tree):

@@ -3,31 +3,31 @@
 
 Tests copy it to <scripts root>/src/app_backend.py. Python's standard library is all it needs.
 
-Without ZOREL_FAKE_SCENARIO it plays a short, plausible run: ready, preparation, steps with a falling loss, an archive on disk,
-and it reacts to every command. ZOREL_FAKE_STEP_SECONDS sets the time a step takes (0.002 unless told).
+Without ZOREL_FAKE_SCENARIO it plays a short, plausible run: ready, preparation, steps with a falling loss, an archive
+on disk, and it reacts to every command. ZOREL_FAKE_STEP_SECONDS sets the time a step takes (0.002 unless told).
 
-ZOREL_FAKE_SCENARIO is a JSON list of steps, carried out one after another. Input is read only by the steps that say so. When
-the list is used up, the child waits for "quit" or the end of input and exits with 0.
+ZOREL_FAKE_SCENARIO is a JSON list of steps, carried out one after another. Input is read only by the steps that say
+so. When the list is used up, the child waits for "quit" or the end of input and exits with 0.
 
   {"emit": {...}}                   one event line
   {"raw": "text"}                   text on standard output exactly as it stands; {"raw_base64": "..."} for any bytes
   {"stderr": "text"}                one line on standard error
   {"flood": {"emit": {...}, "count": 1000, "counter": "step", "stderr": 500}}
-                                    "count" events, the key "counter" holding 0, 1, 2, ..., and as many numbered lines on
-                                    standard error as "stderr" says, interleaved
-  {"await": "start"}                read commands up to this one; a list of names takes any of them, {} any command at all.
-                                    The end of input ends the child with 0
+                                    "count" events, the key "counter" holding 0, 1, 2, ..., and as many numbered lines
+                                    on standard error as "stderr" says, interleaved
+  {"await": "start"}                read commands up to this one; a list of names takes any of them, {} any command at
+                                    all. The end of input ends the child with 0
   {"wait_for_eof": true}            read to the end of input
   {"stop_reading": true}            never read again; at the end of the list sleep until killed
   {"close_input": true}             close standard input; {"close_output": true} closes standard output
   {"echo_commands_to": "path"}      from here on append every line that is read to this file, as it came
-  {"report_to": "path"}             write arguments, working folder, process id, environment and open descriptors as one
-                                    JSON object
+  {"report_to": "path"}             write arguments, working folder, process id, environment and open descriptors as
+                                    one JSON object
   {"touch": "path"}                 create a file, to tell the test that this point is reached
   {"wait_for_file": "path"}         go on when the file exists
   {"grandchild": {"until_file": "path", "steps": [...]}}
-                                    start a process that holds the same outputs, waits for the file, carries out its steps
-                                    and exits
+                                    start a process that holds the same outputs, waits for the file, carries out its
+                                    steps and exits
   {"ignore": ["SIGTERM"]}           ignore signals
   {"play": true}                    play the default run from here
   {"exit": 3}                       exit with this status, {"signal": 9} by this signal
@@ -43,15 +43,23 @@ import sys
 import time
 
 INPUT, OUTPUT, ERROR = 0, 1, 2
+PARENT = os.getppid()
 
 
 def write_all(descriptor, data):
     while data:
-        data = data[os.write(descriptor, data):]
+        data = data[os.write(descriptor, data) :]
 
 
 def emit(event):
     write_all(OUTPUT, (json.dumps(event) + "\n").encode())
+
+
+def wait_a_little():
+    """Ends the process when its parent is gone: a failed test leaves nothing behind."""
+    if os.getppid() != PARENT:
+        os._exit(1)
+    time.sleep(0.005)
 
 
 class Commands:
@@ -90,9 +98,8 @@ class Scenario:
         for step in self.steps:
             for name, value in step.items():
                 getattr(self, "do_" + name)(value)
-        if not self.reading:
-            while True:
-                signal.pause()
+        while not self.reading:
+            wait_a_little()
         self.do_await("quit")
 
     def do_emit(self, event):
@@ -157,8 +164,13 @@ class Scenario:
                 descriptors.append(int(name))
             except OSError:
                 pass  # the descriptor of the listing itself
-        report = {"arguments": sys.orig_argv if hasattr(sys, "orig_argv") else sys.argv, "folder": os.getcwd(),
-                  "process": os.getpid(), "environment": dict(os.environ), "descriptors": sorted(descriptors)}
+        report = {
+            "arguments": sys.orig_argv if hasattr(sys, "orig_argv") else sys.argv,
+            "folder": os.getcwd(),
+            "process": os.getpid(),
+            "environment": dict(os.environ),
+            "descriptors": sorted(descriptors),
+        }
         with open(path + ".new", "w", encoding="utf-8") as file:
             json.dump(report, file)
         os.rename(path + ".new", path)
@@ -168,7 +180,7 @@ class Scenario:
 
     def do_wait_for_file(self, path):
         while not os.path.exists(path):
-            time.sleep(0.005)
+            wait_a_little()
 
     def do_grandchild(self, grandchild):
         if os.fork() != 0:
@@ -230,9 +242,15 @@ class Run:
         name = command["cmd"]
         if name == "set_paths":
             self.finished_models = command["finished_models"]
-            emit({"event": "paths", "library_root": os.path.dirname(self.finished_models),
-                  "training_data": command["training_data"], "finished_models": self.finished_models,
-                  "model_root": command["model_root"]})
+            emit(
+                {
+                    "event": "paths",
+                    "library_root": os.path.dirname(self.finished_models),
+                    "training_data": command["training_data"],
+                    "finished_models": self.finished_models,
+                    "model_root": command["model_root"],
+                }
+            )
         elif name == "set_model_identity":
             emit({"event": "model_identity"})
         elif name == "set_max_steps":
@@ -267,12 +285,25 @@ class Run:
         self.state = state
         training = self.step > 0
         elapsed = self.step * self.step_seconds
-        emit({"event": "status", "state": state, "step": self.step, "max_steps": self.max_steps,
-              "loss": self.loss() if training else 0.0, "lr": 3e-4, "grad_norm": 0.7 if training else 0.0,
-              "tokens_per_sec": 4096 / self.step_seconds if training and self.step_seconds else 0.0, "elapsed_s": elapsed,
-              "val_loss": self.loss() + 0.1 if training else None, "error": None, "prep_progress": self.preparation,
-              "prep_detail": "Tokenizing notes.txt" if state == "preparing" else "",
-              "prep_elapsed_s": self.preparation * 2, "prep_eta_s": (1 - self.preparation) * 2})
+        emit(
+            {
+                "event": "status",
+                "state": state,
+                "step": self.step,
+                "max_steps": self.max_steps,
+                "loss": self.loss() if training else 0.0,
+                "lr": 3e-4,
+                "grad_norm": 0.7 if training else 0.0,
+                "tokens_per_sec": 4096 / self.step_seconds if training and self.step_seconds else 0.0,
+                "elapsed_s": elapsed,
+                "val_loss": self.loss() + 0.1 if training else None,
+                "error": None,
+                "prep_progress": self.preparation,
+                "prep_detail": "Tokenizing notes.txt" if state == "preparing" else "",
+                "prep_elapsed_s": self.preparation * 2,
+                "prep_eta_s": (1 - self.preparation) * 2,
+            }
+        )
 
     def train(self, command):
         self.max_steps = command["max_steps"]
@@ -305,9 +336,19 @@ class Run:
         path = os.path.join(self.finished_models, name)
         os.makedirs(path)
         with open(os.path.join(path, "manifest.json"), "w", encoding="utf-8") as manifest:
-            json.dump({"final_step": self.step, "final_loss": self.loss(), "model_family": command["model_family"]}, manifest)
-        emit({"event": "model_archived", "path": path, "folder_name": name, "step": self.step, "loss": self.loss(),
-              "elapsed": self.step * self.step_seconds})
+            json.dump(
+                {"final_step": self.step, "final_loss": self.loss(), "model_family": command["model_family"]}, manifest
+            )
+        emit(
+            {
+                "event": "model_archived",
+                "path": path,
+                "folder_name": name,
+                "step": self.step,
+                "loss": self.loss(),
+                "elapsed": self.step * self.step_seconds,
+            }
+        )
 
 
 def main():

@@ -153,6 +153,7 @@ private Q_SLOTS:
     void showsThePreparation();
     void fitsNarrowTerminals();
     void followsTheSize();
+    void erasesNothingAfterASuspension();
     void writesErrorsAbove();
     void usesAsciiAndNoColoursWhereToldTo();
     void leavesTheLineCleanWhenInterrupted();
@@ -223,6 +224,18 @@ void LiveTerminalTest::followsTheSize()
              session.output().mid(before).constData());
 }
 
+void LiveTerminalTest::erasesNothingAfterASuspension()
+{
+    TrainHome home;
+    home.play(upTo({status("running", 90, 200, 3.2, 45)}, home.pathOf(text("gate"))));
+    TerminalSession session(home, 100);
+    QTRY_VERIFY_WITH_TIMEOUT(session.output().contains("tokens/sec"), patience);
+    const qsizetype before = session.output().size();
+    session.interrupt(SIGCONT);
+    QTRY_VERIFY_WITH_TIMEOUT(session.output().mid(before).contains("tokens/sec"), patience);
+    QVERIFY(session.output().mid(before).startsWith("Training  "));
+}
+
 void LiveTerminalTest::writesErrorsAbove()
 {
     TrainHome home;
@@ -265,10 +278,10 @@ void LiveTerminalTest::leavesTheLineCleanWhenInterrupted()
     QTRY_VERIFY_WITH_TIMEOUT(session.hasEnded(), patience);
     QCOMPARE(session.exitCode(), 0);
     QCOMPARE(screen(session.output()).mid(4),
-             (QStringList{
-                 text("Stopping… Press Ctrl-C again to stop at once, without a checkpoint."),
-                 text("Stopped at step 90 of 200. To go on from the latest checkpoint: zorel-train --resume"),
-                 QString()}));
+             (QStringList{text("Stopping… Press Ctrl-C again to stop at once, without a checkpoint."),
+                          text("Stopped at step 90 of 200. To go on from the latest checkpoint: zorel-train "
+                               "--resume --steps 200"),
+                          QString()}));
     // Nothing was switched that would have to be switched back.
     QVERIFY(!session.output().contains("\x1b[?"));
 }

@@ -139,8 +139,8 @@ void TerminalOptionsTest::explainsWrongUsage()
     } catch (const UsageError &error) {
         QCOMPARE(QString::fromUtf8(error.what()), sentence);
     }
-    QVERIFY_EXCEPTION_THROWN(parse({QStringLiteral("--author")}), UsageError);
-    QVERIFY_EXCEPTION_THROWN(parse({QStringLiteral("--resume=3")}), UsageError);
+    QVERIFY_THROWS_EXCEPTION(UsageError, parse({QStringLiteral("--author")}));
+    QVERIFY_THROWS_EXCEPTION(UsageError, parse({QStringLiteral("--resume=3")}));
 }
 
 void TerminalOptionsTest::helpsWhateverElseIsWrong()

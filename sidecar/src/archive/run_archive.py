@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import shutil
 from dataclasses import dataclass
 from datetime import datetime, timezone
 from pathlib import Path
@@ -31,6 +30,7 @@ class FinishedRun:
     shape: LlamaShape
     weights: dict[str, mx.array]
     corpus: PreparedCorpus
+    tokenizer: bytes
     curve: LossCurve
     snapshot: dict
     step: int
@@ -72,7 +72,7 @@ def _write_files(run: FinishedRun, folder: Path, finished_at: datetime) -> None:
     save_safetensors(folder / "model.safetensors", run.weights)
     write_json(folder / "config.json", model_config(run.shape, corpus.bos_token_id, corpus.eos_token_id))
     write_json(folder / "generation_config.json", generation_config(corpus.bos_token_id, corpus.eos_token_id))
-    shutil.copyfile(corpus.tokenizer_path, folder / "tokenizer.json")
+    (folder / "tokenizer.json").write_bytes(run.tokenizer)
     write_json(folder / "tokenizer_config.json", tokenizer_config(run.shape))
     run.curve.write_lines(folder / "loss_curve.jsonl")
     write_json(folder / "neuron_snapshot.json", run.snapshot)

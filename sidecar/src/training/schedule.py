@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import math
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 
 LONGEST_WARMUP = 200
 GLIDE_STEPS = 50
@@ -12,7 +12,7 @@ GLIDE_STEPS = 50
 @dataclass(frozen=True)
 class Schedule:
     """A pure function of the step, apart from `glide`: when the step count changes, the rate moves from its old
-    course to the new one over GLIDE_STEPS steps instead of jumping."""
+    course to the new one over GLIDE_STEPS steps, or half of those that are left, instead of jumping."""
 
     peak: float
     floor_fraction: float
@@ -20,10 +20,11 @@ class Schedule:
     warmup_steps: int | None = None
     glide_from: int = 0
     glide_ratio: float = 1.0
+    glide_steps: int = GLIDE_STEPS
 
     def rate(self, step: int) -> float:
         """The rate of the update that takes the run from `step` to `step + 1`."""
-        remaining = max(0.0, 1.0 - (step - self.glide_from) / GLIDE_STEPS)
+        remaining = max(0.0, 1.0 - (step - self.glide_from) / self.glide_steps)
         return self._course(step) * (1.0 + (self.glide_ratio - 1.0) * min(1.0, remaining))
 
     def with_max_steps(self, max_steps: int, step: int) -> Schedule:
@@ -40,7 +41,8 @@ class Schedule:
     def _gliding(self, changed: Schedule, step: int) -> Schedule:
         course = changed._course(step)
         ratio = self.rate(step) / course if course > 0 else 1.0
-        return Schedule(changed.peak, changed.floor_fraction, changed.max_steps, changed.warmup_steps, step, ratio)
+        steps = max(1, min(GLIDE_STEPS, (changed.max_steps - step) // 2))
+        return replace(changed, glide_from=step, glide_ratio=ratio, glide_steps=steps)
 
     def _course(self, step: int) -> float:
         warmup = self._warmup()

@@ -89,6 +89,8 @@ private Q_SLOTS:
     void unknownKeysAreIgnored();
     void aKeyGivenTwiceCountsAsGivenLast();
     void anEventNameGivenTwiceCountsAsGivenLast();
+    void aKeyInsideAnotherValueIsNotMistaken();
+    void longTextsBeforeAnUnusualKeyAreTaken();
     void textIsTakenCharacterForCharacter_data();
     void textIsTakenCharacterForCharacter();
     void whatIsNoJsonObjectIsBad_data();
@@ -316,6 +318,37 @@ void EventDecoderTest::anEventNameGivenTwiceCountsAsGivenLast()
     QVERIFY(decoded<DoneEvent>(R"({"event":"neurons","layers":[{"neurons":[{"index":1}]}],"event":"done"})"));
     QCOMPARE(errorOf(R"({"event":"done","event":"other"})"), std::string("unknown event kind: other"));
     QCOMPARE(errorOf(R"({"event":"done","event":5})"), std::string("no event name"));
+}
+
+void EventDecoderTest::aKeyInsideAnotherValueIsNotMistaken()
+{
+    std::string line(statusWithoutValidationLoss);
+    line.replace(line.find("\"step\":1"), 8, R"("step":{"max_steps":5,"loss":6})");
+    QCOMPARE(errorOf(line), std::string("missing or ill-typed key: step"));
+    const auto status = decoded<TrainStatusPayload>(withKey(
+        statusWithoutValidationLoss, R"("val_loss":{"error":"inner","prep_eta_s":NaN},"error":"outer")"));
+    QVERIFY(!status);
+    const auto tolerated = decoded<TrainStatusPayload>(
+        withKey(statusWithoutValidationLoss, R"("val_loss":[{"error":"inner"}],"error":"outer")"));
+    QVERIFY(tolerated);
+    QCOMPARE(tolerated->error, QStringLiteral("outer"));
+    // Taken for the next key, the inner one would have what is between skipped unseen.
+    QVERIFY(isBad(
+        withKey(statusWithoutValidationLoss, R"("val_loss":{"error":"inner"},"x":NaN,"error":"outer")")));
+}
+
+void EventDecoderTest::longTextsBeforeAnUnusualKeyAreTaken()
+{
+    for (const int length : {1, 100, 10'000, 600'000, 2'000'000}) {
+        const std::string text(static_cast<std::size_t>(length), 'x');
+        std::string line =
+            withKey(statusWithoutValidationLoss, R"("error":")" + text + R"(","zzz":[")" + text + "\"]");
+        line.replace(line.find("running"), 7, text);
+        const auto status = decoded<TrainStatusPayload>(line);
+        QVERIFY(status);
+        QCOMPARE(status->state.size(), length);
+        QCOMPARE(status->error->size(), length);
+    }
 }
 
 void EventDecoderTest::textIsTakenCharacterForCharacter_data()

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import contextlib
 import json
 import os
 import queue
@@ -31,7 +32,28 @@ TINY_SETTINGS = {
     "seed": 7,
 }
 
-WORDS = "the ship sailed under a grey sky and nobody on the deck spoke of home until the light came back".split()
+WORDS = [
+    "the",
+    "ship",
+    "sailed",
+    "under",
+    "a",
+    "grey",
+    "sky",
+    "and",
+    "nobody",
+    "on",
+    "the",
+    "deck",
+    "spoke",
+    "of",
+    "home",
+    "until",
+    "the",
+    "light",
+    "came",
+    "back",
+]
 
 
 class Library:
@@ -47,9 +69,7 @@ class Library:
         corpus = self.data / "sea"
         corpus.mkdir(parents=True)
         for document in range(12):
-            text = " ".join(
-                WORDS[(document + 3 * i + i * i % 7) % len(WORDS)] for i in range(160)
-            )
+            text = " ".join(WORDS[(document + 3 * i + i * i % 7) % len(WORDS)] for i in range(160))
             (corpus / f"{document:02d}.txt").write_text(text + ".\n", encoding="utf-8")
         self.model.mkdir()
         self.settings(**changes)
@@ -57,9 +77,7 @@ class Library:
 
     def settings(self, **changes) -> None:
         self.model.mkdir(exist_ok=True)
-        (self.model / "training.json").write_text(
-            json.dumps(TINY_SETTINGS | changes), encoding="utf-8"
-        )
+        (self.model / "training.json").write_text(json.dumps(TINY_SETTINGS | changes), encoding="utf-8")
 
     def environment(self) -> dict[str, str]:
         return {
@@ -69,18 +87,11 @@ class Library:
         }
 
     def runs(self) -> list[Path]:
-        return sorted(
-            entry for entry in self.finished.iterdir() if not entry.name.startswith(".")
-        )
+        return sorted(entry for entry in self.finished.iterdir() if not entry.name.startswith("."))
 
     def curve(self, run: Path | None = None) -> list[dict]:
         run = run or self.runs()[-1]
-        return [
-            json.loads(line)
-            for line in (run / "loss_curve.jsonl")
-            .read_text(encoding="utf-8")
-            .splitlines()
-        ]
+        return [json.loads(line) for line in (run / "loss_curve.jsonl").read_text(encoding="utf-8").splitlines()]
 
 
 class Sidecar:
@@ -93,14 +104,8 @@ class Sidecar:
         read: bool = True,
         **options,
     ) -> None:
-        environment = (
-            os.environ
-            | {"PYTHONUNBUFFERED": "1", "HOME": str(library.root)}
-            | library.environment()
-        )
-        environment["PYTHONPATH"] = os.pathsep.join(
-            [str(SCRIPTS_ROOT), str(Path(__file__).parent)]
-        )
+        environment = os.environ | {"PYTHONUNBUFFERED": "1", "HOME": str(library.root)} | library.environment()
+        environment["PYTHONPATH"] = os.pathsep.join([str(SCRIPTS_ROOT), str(Path(__file__).parent)])
         environment |= options.pop("environment", {})
         self.process = subprocess.Popen(
             [sys.executable, "-u", "-m", module],
@@ -129,10 +134,8 @@ class Sidecar:
             self.process.kill()
         self.process.wait()
         if self.process.stdin and not self.process.stdin.closed:
-            try:
+            with contextlib.suppress(BrokenPipeError):
                 self.process.stdin.close()
-            except BrokenPipeError:
-                pass
         if self._reader.is_alive():
             self._reader.join()
         self._error_reader.join()
@@ -143,9 +146,7 @@ class Sidecar:
         self._reader.start()
 
     def send(self, cmd: str, **values) -> None:
-        self.send_raw(
-            json.dumps({"cmd": cmd} | values, sort_keys=True).encode() + b"\n"
-        )
+        self.send_raw(json.dumps({"cmd": cmd} | values, sort_keys=True).encode() + b"\n")
 
     def send_raw(self, data: bytes) -> None:
         self.process.stdin.write(data)
@@ -169,25 +170,17 @@ class Sidecar:
         while (event := self.next_event()) is not None:
             if condition(event):
                 return event
-            assert event["event"] != "done", (
-                f"the run ended before what was waited for; {self.messages()}"
-            )
-        raise AssertionError(
-            f"the output ended; last: {self.lines[-3:]}; {self.errors.decode(errors='replace')}"
-        )
+            assert event["event"] != "done", f"the run ended before what was waited for; {self.messages()}"
+        raise AssertionError(f"the output ended; last: {self.lines[-3:]}; {self.errors.decode(errors='replace')}")
 
     def wait_for_kind(self, kind: str) -> dict:
         return self.wait_for(lambda event: event["event"] == kind)
 
     def wait_for_state(self, *states: str) -> dict:
-        return self.wait_for(
-            lambda event: event["event"] == "status" and event["state"] in states
-        )
+        return self.wait_for(lambda event: event["event"] == "status" and event["state"] in states)
 
     def wait_for_step(self, step: int) -> dict:
-        return self.wait_for(
-            lambda event: event["event"] == "status" and event["step"] >= step
-        )
+        return self.wait_for(lambda event: event["event"] == "status" and event["step"] >= step)
 
     def train(self, steps: int, resume: bool = False, **values) -> dict:
         """Runs to the archive; returns the "model_archived" event."""
