@@ -72,6 +72,7 @@ private Q_SLOTS:
     void startAfterTheExitRelaunchesAndDoesNotTrain();
     void launchingTwiceStartsOneChild();
     void badLinesAreLoggedByTheirStart();
+    void anUnknownEventIsLoggedByItsLineAndNotByTheDecodersWords();
     void blankLinesProduceNothing();
     void linesOfStandardErrorAreLoggedWithAPrefix();
     void oddBytesAffectOnlyTheirLine();
@@ -305,6 +306,14 @@ void BackendProcessTest::badLinesAreLoggedByTheirStart()
                           prefix + QStringLiteral("{\"event\":\"ready\",\"default_max_steps\":NaN}"),
                           prefix + QStringLiteral("{\"event\":\"unheard\"}"), QStringLiteral("alive")}));
     QVERIFY(!m_controller->ready());
+}
+
+void BackendProcessTest::anUnknownEventIsLoggedByItsLineAndNotByTheDecodersWords()
+{
+    play({step(QStringLiteral("raw"), QStringLiteral("{\"event\": \"telemetry\", \"x\": 1}\n"))});
+    QTRY_COMPARE(log().size(), 3);
+    QCOMPARE(log().constLast(),
+             QStringLiteral("× bad event from backend: {\"event\": \"telemetry\", \"x\": 1}"));
 }
 
 void BackendProcessTest::blankLinesProduceNothing()

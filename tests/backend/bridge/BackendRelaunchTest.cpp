@@ -132,7 +132,7 @@ void BackendRelaunchTest::aListenerOfAFailedSendMayRelaunch()
 
 void BackendRelaunchTest::hundredRelaunchesLeaveNothingBehind()
 {
-    m_sidecar->interpreter = QStringLiteral("/bin/true");
+    m_sidecar->interpreter = QStringLiteral("/usr/bin/true");
     m_controller = std::make_unique<BackendController>(*m_settings, m_sidecar->surroundings());
     QSignalSpy exited(m_controller.get(), &BackendController::backendExited);
     const auto entries = [](const char *folder) {
@@ -154,7 +154,7 @@ void BackendRelaunchTest::hundredRelaunchesLeaveNothingBehind()
 
 void BackendRelaunchTest::withoutDescriptorsTheLaunchFailsAndTheNextSucceeds()
 {
-    m_sidecar->interpreter = QStringLiteral("/bin/true");
+    m_sidecar->interpreter = QStringLiteral("/usr/bin/true");
     int failures = 0;
     for (bool failed = true; failed; ++failures) {
         m_controller = std::make_unique<BackendController>(*m_settings, m_sidecar->surroundings());

@@ -196,7 +196,7 @@ void ChildProcessTest::theExitIsSeenWhileAGrandchildHoldsThePipes()
 void ChildProcessTest::aThousandLaunchesLeaveNothingBehind()
 {
     const auto launchOnce = [] {
-        ChildProcess child({QStringLiteral("/bin/true"), {}, QStringLiteral("/"), {}});
+        ChildProcess child({QStringLiteral("/usr/bin/true"), {}, QStringLiteral("/"), {}});
         return statusOf(child);
     };
     QCOMPARE(launchOnce(), 0);
