@@ -154,6 +154,7 @@ void BackendRelaunchTest::hundredRelaunchesLeaveNothingBehind()
 
 void BackendRelaunchTest::withoutDescriptorsTheLaunchFailsAndTheNextSucceeds()
 {
+#if !defined(__SANITIZE_ADDRESS__) // a sanitizer needs a descriptor to look at an exception
     m_sidecar->interpreter = QStringLiteral("/usr/bin/true");
     int failures = 0;
     for (bool failed = true; failed; ++failures) {
@@ -173,6 +174,7 @@ void BackendRelaunchTest::withoutDescriptorsTheLaunchFailsAndTheNextSucceeds()
         QVERIFY(exited.wait(30'000));
     }
     QVERIFY(failures > 6); // of the child's pipes, and of those that wake the readers
+#endif
 }
 
 QTEST_GUILESS_MAIN(BackendRelaunchTest)
