@@ -59,7 +59,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     for (std::size_t from = 0; from < stream.size(); from += piece) {
         byPieces.append(stream.substr(from, piece));
         require(byPieces.pendingBytes() <= limit);
-        takeInto(byPieces, inPieces);
+        if (byPieces.hasLines()) {
+            takeInto(byPieces, inPieces);
+        }
     }
     require(whole == inPieces);
     require(atOnce.pendingBytes() == byPieces.pendingBytes());

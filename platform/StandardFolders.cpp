@@ -7,15 +7,17 @@
 #include <vector>
 
 #include <pwd.h>
+#include <unistd.h>
 
 namespace zorel::platform {
 
 namespace {
 
+constexpr std::size_t enoughForAnyEntry = 65'536;
+
 /// Empty when the system knows no user of that name.
 QString homeOfUser(const QString &name)
 {
-    constexpr std::size_t enoughForAnyEntry = 65'536;
     std::vector<char> memory(enoughForAnyEntry);
     passwd entry = {};
     passwd *found = nullptr;
@@ -26,6 +28,21 @@ QString homeOfUser(const QString &name)
         return QString();
     }
     return QFile::decodeName(found->pw_dir);
+}
+
+/// The root folder, as Qt has it, for a user whom the system does not know.
+QString homeOfThisUser()
+{
+    if (!qEnvironmentVariableIsEmpty("HOME")) {
+        return QDir::homePath();
+    }
+    std::vector<char> memory(enoughForAnyEntry);
+    passwd entry = {};
+    passwd *found = nullptr;
+    if (::getpwuid_r(::getuid(), &entry, memory.data(), memory.size(), &found) != 0 || found == nullptr) {
+        return QDir::homePath();
+    }
+    return QDir::cleanPath(QFile::decodeName(found->pw_dir));
 }
 
 } // namespace
@@ -39,7 +56,7 @@ StandardFolders StandardFolders::below(const QString &home)
 
 StandardFolders StandardFolders::current()
 {
-    return below(QDir::homePath());
+    return below(homeOfThisUser());
 }
 
 QString expandTilde(const QString &path, const QString &home)

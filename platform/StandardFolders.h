@@ -17,7 +17,8 @@ struct StandardFolders
 
     /// The folders below `home`, as every system of ours lays them out.
     static StandardFolders below(const QString &home);
-    /// The folders of the user who runs this process.
+    /// The folders of the user who runs this process: below HOME, or where the system has the user's home
+    /// folder when HOME is not set.
     static StandardFolders current();
 };
 

@@ -6,4 +6,7 @@ namespace zorel::platform {
 /// no such notion.
 void markThreadUserInitiated();
 
+/// What debuggers and process viewers call the calling thread; some show no more than 15 characters.
+void nameThread(const char *name);
+
 } // namespace zorel::platform

@@ -1,6 +1,7 @@
 #include "platform/UserDefaults.h"
 
 #include "platform/FileUserDefaults.h"
+#include "platform/StandardFolders.h"
 
 #include <QDir>
 
@@ -11,7 +12,8 @@ namespace {
 QString configurationFolder()
 {
     const QString configured = qEnvironmentVariable("XDG_CONFIG_HOME");
-    return QDir::isAbsolutePath(configured) ? configured : QDir::homePath() + QLatin1String("/.config");
+    return QDir::isAbsolutePath(configured) ? configured
+                                            : StandardFolders::current().home + QLatin1String("/.config");
 }
 
 } // namespace

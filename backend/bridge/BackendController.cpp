@@ -11,6 +11,7 @@
 #include "library/ArchivedRunCount.h"
 #include "library/RunLibrary.h"
 
+#include <QFile>
 #include <QMetaMethod>
 #include <QProcessEnvironment>
 #include <QTimer>
@@ -39,12 +40,12 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-QMap<QString, QString> systemEnvironment()
+Environment systemEnvironment()
 {
-    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    QMap<QString, QString> variables;
-    for (const QString &name : environment.keys()) {
-        variables.insert(name, environment.value(name));
+    Environment variables;
+    for (const QString &name : QProcessEnvironment::systemEnvironment().keys()) {
+        const QByteArray bytes = name.toLocal8Bit();
+        variables.insert(bytes, qgetenv(bytes.constData()));
     }
     return variables;
 }
@@ -118,14 +119,17 @@ void BackendController::launch()
     }
 }
 
-QMap<QString, QString> BackendController::childEnvironment() const
+Environment BackendController::childEnvironment() const
 {
-    QMap<QString, QString> environment = m_surroundings.environment();
-    const QString home = environment.value(QStringLiteral("HOME"));
-    const QString path = environment.value(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
-    environment.insert(QStringLiteral("PATH"), home + QStringLiteral("/Library/Python/3.9/bin:") + path);
-    environment.insert(QStringLiteral("PYTHONUNBUFFERED"), QStringLiteral("1"));
-    environment.insert(m_settings.sidecarEnvironment());
+    Environment environment = m_surroundings.environment();
+    const QByteArray home = environment.value("HOME");
+    const QByteArray path = environment.value("PATH", "/usr/bin:/bin");
+    environment.insert("PATH", home + "/Library/Python/3.9/bin:" + path);
+    environment.insert("PYTHONUNBUFFERED", "1");
+    const QMap<QString, QString> folders = m_settings.sidecarEnvironment();
+    for (const auto &[name, folder] : folders.asKeyValueRange()) {
+        environment.insert(name.toLatin1(), QFile::encodeName(folder));
+    }
     return environment;
 }
 

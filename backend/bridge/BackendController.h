@@ -50,7 +50,7 @@ public:
     struct Surroundings
     {
         std::function<SidecarHost()> host;
-        std::function<QMap<QString, QString>()> environment;
+        std::function<Environment()> environment;
         std::function<void(std::chrono::milliseconds, QObject *context, std::function<void()>)> runAfter;
 
         /// This process's environment and event loop.
@@ -135,7 +135,7 @@ private:
     void handleOutputLine(const Line &line);
     void handleExit(int status);
     void attach(std::unique_ptr<ChildProcess> process);
-    QMap<QString, QString> childEnvironment() const;
+    Environment childEnvironment() const;
     void reportSendFailure(const QString &reason);
     void closeInput();
 

@@ -2,6 +2,7 @@
 
 #include "platform/SpawnIsolation.h"
 
+#include <QByteArrayList>
 #include <QFile>
 #include <QFileInfo>
 
@@ -24,11 +25,9 @@ namespace {
 class ArgumentVector
 {
 public:
-    explicit ArgumentVector(const QStringList &texts)
+    explicit ArgumentVector(const QByteArrayList &texts)
+        : m_bytes(texts.begin(), texts.end())
     {
-        for (const QString &text : texts) {
-            m_bytes.push_back(QFile::encodeName(text));
-        }
         for (QByteArray &bytes : m_bytes) {
             m_pointers.push_back(bytes.data());
         }
@@ -42,11 +41,20 @@ private:
     std::vector<char *> m_pointers;
 };
 
-QStringList assignments(const QMap<QString, QString> &environment)
+QByteArrayList commandLine(const ChildProgram &program)
 {
-    QStringList lines;
+    QByteArrayList words{QFile::encodeName(program.executable)};
+    for (const QString &argument : program.arguments) {
+        words.append(QFile::encodeName(argument));
+    }
+    return words;
+}
+
+QByteArrayList assignments(const Environment &environment)
+{
+    QByteArrayList lines;
     for (const auto &[name, value] : environment.asKeyValueRange()) {
-        lines.append(name + QLatin1Char('=') + value);
+        lines.append(name + '=' + value);
     }
     return lines;
 }
@@ -125,7 +133,7 @@ pid_t spawn(const ChildProgram &program, const Pipe &input, const Pipe &output, 
     if (result == 0) {
         SpawnAttributes attributes;
         attributes.isolate(flags);
-        ArgumentVector arguments(QStringList{program.executable} + program.arguments);
+        ArgumentVector arguments(commandLine(program));
         ArgumentVector environment(assignments(program.environment));
         const QByteArray executable = QFile::encodeName(program.executable);
         result = ::posix_spawn(&processId, executable.constData(), actions.get(), attributes.get(),

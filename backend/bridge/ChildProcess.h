@@ -2,6 +2,7 @@
 
 #include "backend/bridge/Descriptor.h"
 
+#include <QByteArray>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -15,13 +16,16 @@
 
 namespace zorel::backend::bridge {
 
+/// Names and values of environment variables as the system has them: bytes that need not be text.
+using Environment = QMap<QByteArray, QByteArray>;
+
 /// What to run, and how.
 struct ChildProgram
 {
     QString executable;
     QStringList arguments;
     QString workingDirectory;
-    QMap<QString, QString> environment; ///< the whole environment of the child
+    Environment environment; ///< the whole environment of the child
 };
 
 /// A child could not be started; `what()` is UTF-8 and names the cause.

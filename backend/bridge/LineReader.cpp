@@ -4,13 +4,13 @@
 #include "platform/ThreadQuality.h"
 
 #include <QElapsedTimer>
-#include <QThread>
 
 #include <array>
 #include <cerrno>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 #include <poll.h>
@@ -51,9 +51,8 @@ public:
         m_descriptor.setNonBlocking();
         m_wake.readEnd.setNonBlocking();
         m_wake.writeEnd.setNonBlocking();
-        m_thread.reset(QThread::create([this] { run(); }));
-        m_thread->setObjectName(QStringLiteral("zorel.linereader"));
-        m_thread->start();
+        // Not a QThread: that needs a descriptor of its own and ends the program when there is none.
+        m_thread = std::thread([this] { run(); });
     }
 
     ~Worker() { stop(); }
@@ -66,7 +65,9 @@ public:
         }
         m_handled.notify_all();
         wake();
-        m_thread->wait();
+        if (m_thread.joinable()) {
+            m_thread.join();
+        }
         m_descriptor.close();
     }
 
@@ -119,6 +120,7 @@ private:
 
     void run()
     {
+        platform::nameThread("zorel.linereader");
         platform::markThreadUserInitiated();
         LineSplitter splitter(maximumLineBytes);
         while (!isStopping() && waitForData()) {
@@ -235,7 +237,7 @@ private:
     Descriptor m_descriptor;
     Pipe m_wake;
     std::function<void()> m_notify;
-    std::unique_ptr<QThread> m_thread;
+    std::thread m_thread;
     std::array<char, readChunkBytes> m_chunk;
 
     std::mutex m_mutex;

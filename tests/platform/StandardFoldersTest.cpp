@@ -1,9 +1,11 @@
 #include "platform/StandardFolders.h"
 
 #include <QDir>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <pwd.h>
+#include <unistd.h>
 
 using zorel::platform::expandTilde;
 using zorel::platform::StandardFolders;
@@ -16,6 +18,7 @@ private Q_SLOTS:
     void foldersStandBelowTheHomeFolder();
     void homeFolderMayBeTheRootFolder();
     void currentFoldersAreThoseOfTheUser();
+    void withoutHomeTheSystemsHomeFolderOfTheUserCounts();
     void leadingTildeIsExpanded_data();
     void leadingTildeIsExpanded();
     void nameOfAUserIsExpandedToThatUsersHome();
@@ -41,6 +44,18 @@ void StandardFoldersTest::currentFoldersAreThoseOfTheUser()
 {
     QVERIFY(StandardFolders::current() == StandardFolders::below(QDir::homePath()));
     QVERIFY(QDir::isAbsolutePath(StandardFolders::current().documents));
+}
+
+void StandardFoldersTest::withoutHomeTheSystemsHomeFolderOfTheUserCounts()
+{
+    const passwd *const user = ::getpwuid(::getuid());
+    QVERIFY(user != nullptr);
+    const QByteArray home = qgetenv("HOME");
+    const auto restored = qScopeGuard([&home] { qputenv("HOME", home); });
+    qputenv("HOME", "");
+    QCOMPARE(StandardFolders::current().home, QFile::decodeName(user->pw_dir));
+    qunsetenv("HOME");
+    QCOMPARE(StandardFolders::current().home, QFile::decodeName(user->pw_dir));
 }
 
 void StandardFoldersTest::leadingTildeIsExpanded_data()

@@ -29,11 +29,12 @@ private Q_SLOTS:
 void StandardUserDefaultsTest::processSharesOneStore()
 {
     std::array<UserDefaults *, 8> stores{};
-    {
-        std::vector<std::jthread> threads;
-        for (UserDefaults *&store : stores) {
-            threads.emplace_back([&store] { store = &standardUserDefaults(); });
-        }
+    std::vector<std::thread> threads;
+    for (UserDefaults *&store : stores) {
+        threads.emplace_back([&store] { store = &standardUserDefaults(); });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
     }
     for (const UserDefaults *const store : stores) {
         QCOMPARE(store, &standardUserDefaults());

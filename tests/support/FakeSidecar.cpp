@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcessEnvironment>
 
 namespace zorel::tests {
 
@@ -12,10 +11,7 @@ FakeSidecar::FakeSidecar()
     QDir(root()).mkpath(QStringLiteral("src"));
     QDir(root()).mkpath(QStringLiteral("home/Library/Python/3.12/bin"));
     QFile::copy(QStringLiteral(ZOREL_FAKE_SIDECAR), pathOf(QStringLiteral("src/app_backend.py")));
-    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const QString &name : environment.keys()) {
-        m_environment.insert(name, environment.value(name));
-    }
+    m_environment = backend::bridge::BackendController::Surroundings::system().environment();
 }
 
 void FakeSidecar::play(const QJsonArray &scenario)

@@ -25,7 +25,10 @@ public:
 
     /// What the child does, in order; the default run when never called.
     void play(const QJsonArray &scenario);
-    void setEnvironment(const QString &name, const QString &value) { m_environment.insert(name, value); }
+    void setEnvironment(const QString &name, const QString &value)
+    {
+        m_environment.insert(name.toLatin1(), value.toUtf8());
+    }
 
     /// Finds the scripted sidecar and the system's Python; timers are recorded instead of run.
     backend::bridge::BackendController::Surroundings surroundings();
@@ -44,7 +47,7 @@ public:
 
 private:
     QTemporaryDir m_folder;
-    QMap<QString, QString> m_environment;
+    backend::bridge::Environment m_environment;
 };
 
 /// One step of a scenario.

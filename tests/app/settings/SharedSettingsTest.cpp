@@ -26,14 +26,15 @@ void SharedSettingsTest::eightThreadsAtOnceGetOneInstanceThatLivesOnTheMainThrea
     constexpr std::size_t threadCount = 8;
     std::array<ZorelSettings *, threadCount> instances{};
     std::barrier start(threadCount);
-    {
-        std::vector<std::jthread> threads;
-        for (std::size_t index = 0; index < threadCount; ++index) {
-            threads.emplace_back([&, index] {
-                start.arrive_and_wait();
-                instances[index] = &ZorelSettings::shared();
-            });
-        }
+    std::vector<std::thread> threads;
+    for (std::size_t index = 0; index < threadCount; ++index) {
+        threads.emplace_back([&, index] {
+            start.arrive_and_wait();
+            instances[index] = &ZorelSettings::shared();
+        });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
     }
     for (const ZorelSettings *const instance : instances) {
         QCOMPARE(instance, &ZorelSettings::shared());

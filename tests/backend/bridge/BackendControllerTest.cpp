@@ -101,6 +101,7 @@ private Q_SLOTS:
     void maxStepsAreClamped();
     void aVanishedLibraryIsNotAsked();
     void anEndlessLogLineIsCut();
+    void theSystemsEnvironmentIsTakenByteForByte();
     void launchWithoutScriptsIsAFatalError();
     void launchOfABrokenInterpreterIsAFatalError();
 
@@ -422,6 +423,17 @@ void BackendControllerTest::anEndlessLogLineIsCut()
 {
     m_controller->appendLog(QString(BackendController::maximumLogLineLength + 5, QLatin1Char('x')));
     QCOMPARE(log().constFirst().size(), BackendController::maximumLogLineLength);
+}
+
+void BackendControllerTest::theSystemsEnvironmentIsTakenByteForByte()
+{
+    qputenv("ZOREL_ODD", "caf\xE9");
+    qputenv("ZOREL_EMPTY", "");
+    const backend::bridge::Environment environment = BackendController::Surroundings::system().environment();
+    QCOMPARE(environment.value("ZOREL_ODD"), QByteArray("caf\xE9"));
+    QVERIFY(environment.contains("ZOREL_EMPTY"));
+    QVERIFY(!environment.contains("ZOREL_NEVER_SET"));
+    QCOMPARE(environment.value("HOME"), qgetenv("HOME"));
 }
 
 void BackendControllerTest::launchWithoutScriptsIsAFatalError()

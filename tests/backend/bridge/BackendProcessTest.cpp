@@ -72,6 +72,7 @@ private Q_SLOTS:
     void startAfterTheExitRelaunchesAndDoesNotTrain();
     void launchingTwiceStartsOneChild();
     void badLinesAreLoggedByTheirStart();
+    void anUnknownEventIsLoggedByItsLineAndNotByTheDecodersWords();
     void blankLinesProduceNothing();
     void linesOfStandardErrorAreLoggedWithAPrefix();
     void oddBytesAffectOnlyTheirLine();
@@ -173,7 +174,7 @@ void BackendProcessTest::anUnsetPathAndHomeGetTheirDefaults()
     const QString scenario = QStringLiteral("[{\"report_to\":\"%1\"}]").arg(report);
     auto surroundings = m_sidecar->surroundings();
     surroundings.environment = [scenario] {
-        return QMap<QString, QString>{{QStringLiteral("ZOREL_FAKE_SCENARIO"), scenario}};
+        return backend::bridge::Environment{{"ZOREL_FAKE_SCENARIO", scenario.toUtf8()}};
     };
     m_controller = std::make_unique<BackendController>(*m_settings, surroundings);
     m_controller->launch();
@@ -305,6 +306,14 @@ void BackendProcessTest::badLinesAreLoggedByTheirStart()
                           prefix + QStringLiteral("{\"event\":\"ready\",\"default_max_steps\":NaN}"),
                           prefix + QStringLiteral("{\"event\":\"unheard\"}"), QStringLiteral("alive")}));
     QVERIFY(!m_controller->ready());
+}
+
+void BackendProcessTest::anUnknownEventIsLoggedByItsLineAndNotByTheDecodersWords()
+{
+    play({step(QStringLiteral("raw"), QStringLiteral("{\"event\": \"telemetry\", \"x\": 1}\n"))});
+    QTRY_COMPARE(log().size(), 3);
+    QCOMPARE(log().constLast(),
+             QStringLiteral("× bad event from backend: {\"event\": \"telemetry\", \"x\": 1}"));
 }
 
 void BackendProcessTest::blankLinesProduceNothing()

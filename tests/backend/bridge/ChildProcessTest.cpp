@@ -22,7 +22,7 @@ ChildProgram shell(const QString &script)
     return {QStringLiteral("/bin/sh"),
             {QStringLiteral("-c"), script},
             QStringLiteral("/"),
-            {{QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin")}}};
+            {{"PATH", "/usr/bin:/bin"}}};
 }
 
 int statusOf(ChildProcess &child)
@@ -64,6 +64,7 @@ private Q_SLOTS:
     void launchFailuresNameTheCause_data();
     void launchFailuresNameTheCause();
     void theChildSeesOnlyItsStandardChannels();
+    void theEnvironmentIsHandedOnByteForByte();
     void theChildHandlesBrokenPipesAsUsual();
     void theChildIsAloneInItsProcessGroup();
     void theExitIsSeenWhileAGrandchildHoldsThePipes();
@@ -152,6 +153,17 @@ void ChildProcessTest::theChildSeesOnlyItsStandardChannels()
     QCOMPARE(statusOf(child), 0);
 }
 
+void ChildProcessTest::theEnvironmentIsHandedOnByteForByte()
+{
+    const QByteArray odd = "caf\xE9 u\xCC\x88 \xC3\xBC = x";
+    ChildProgram program = shell(QStringLiteral("printf %s \"$ODD\""));
+    program.environment.insert("ODD", odd);
+    ChildProcess child(program);
+    const ChildPipes pipes = child.takePipes();
+    QCOMPARE(readAll(pipes.output), odd);
+    QCOMPARE(statusOf(child), 0);
+}
+
 void ChildProcessTest::theChildHandlesBrokenPipesAsUsual()
 {
     ChildProcess child(shell(QStringLiteral("read line; while echo text; do :; done")));
@@ -184,7 +196,7 @@ void ChildProcessTest::theExitIsSeenWhileAGrandchildHoldsThePipes()
 void ChildProcessTest::aThousandLaunchesLeaveNothingBehind()
 {
     const auto launchOnce = [] {
-        ChildProcess child({QStringLiteral("/bin/true"), {}, QStringLiteral("/"), {}});
+        ChildProcess child({QStringLiteral("/usr/bin/true"), {}, QStringLiteral("/"), {}});
         return statusOf(child);
     };
     QCOMPARE(launchOnce(), 0);
