@@ -1,8 +1,8 @@
 #include "backend/bridge/BackendController.h"
 
 #include "app/settings/ZorelSettings.h"
-#include "backend/bridge/CommandQueue.h"
 #include "backend/bridge/LineReader.h"
+#include "backend/bridge/RunningSidecar.h"
 #include "backend/protocol/BadLine.h"
 #include "backend/protocol/CommandEncoder.h"
 #include "backend/protocol/Commands.h"
@@ -17,7 +17,6 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <csignal>
 #include <system_error>
 #include <utility>
 
@@ -38,6 +37,12 @@ std::string_view trimmed(std::string_view text)
         return {};
     }
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+/// The first `length` UTF-16 units, or one less where that would cut a character in two.
+QString startOf(const QString &text, qsizetype length)
+{
+    return text.left(text.at(length - 1).isHighSurrogate() ? length - 1 : length);
 }
 
 Environment systemEnvironment()
@@ -84,10 +89,10 @@ BackendController::~BackendController() = default;
 
 void BackendController::launch()
 {
-    if (m_process && !m_process->isRunning()) {
-        handleExit(m_process->exitStatus());
+    if (m_sidecar && !m_sidecar->isRunning()) {
+        handleExit(m_sidecar->exitStatus());
     }
-    if (m_process) {
+    if (m_sidecar) {
         return;
     }
     try {
@@ -105,18 +110,38 @@ void BackendController::launch()
     m_settings.ensureFoldersExist();
 
     try {
-        attach(std::make_unique<ChildProcess>(ChildProgram{
-            m_python,
-            {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("src.app_backend")},
-            m_scriptsRoot,
-            childEnvironment(),
-        }));
+        startSidecar();
     } catch (const LaunchError &error) {
         setFatalError(QStringLiteral("failed to launch Python backend: ") + QString::fromUtf8(error.what()));
     } catch (const std::system_error &exhausted) {
         setFatalError(QStringLiteral("failed to launch Python backend: ") +
                       QString::fromStdString(exhausted.code().message()));
     }
+}
+
+void BackendController::startSidecar()
+{
+    const ChildProgram program{
+        m_python,
+        {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("src.app_backend")},
+        m_scriptsRoot,
+        childEnvironment(),
+    };
+    const RunningSidecar::Handlers handlers{
+        [this](const Line &line) { handleOutputLine(line); },
+        [this](const Line &line) {
+            appendLog(QStringLiteral("[py stderr] ") + protocol::toQString(line.text));
+        },
+    };
+    auto sidecar = std::make_unique<RunningSidecar>(program, handlers);
+    connect(sidecar.get(), &RunningSidecar::sendFailed, this, &BackendController::reportSendFailure);
+    connect(sidecar.get(), &RunningSidecar::exited, this, &BackendController::handleExit);
+    if (m_lastSidecar) {
+        m_lastSidecar->retire();
+    }
+    m_sidecar = sidecar.release();
+    m_sidecar->setParent(this);
+    m_lastSidecar = m_sidecar;
 }
 
 Environment BackendController::childEnvironment() const
@@ -133,59 +158,19 @@ Environment BackendController::childEnvironment() const
     return environment;
 }
 
-void BackendController::attach(std::unique_ptr<ChildProcess> process)
-{
-    ChildPipes pipes = process->takePipes();
-    auto input = std::make_unique<CommandQueue>(std::move(pipes.input));
-    auto outputReader = std::make_unique<LineReader>(std::move(pipes.output),
-                                                     [this](const Line &line) { handleOutputLine(line); });
-    auto errorReader = std::make_unique<LineReader>(std::move(pipes.error), [this](const Line &line) {
-        appendLog(QStringLiteral("[py stderr] ") + protocol::toQString(line.text));
-    });
-
-    // Readers of the last child may be on the call stack.
-    for (std::unique_ptr<LineReader> *reader : {&m_outputReader, &m_errorReader}) {
-        if (*reader) {
-            (*reader)->stop();
-            reader->release()->deleteLater();
-        }
-    }
-    m_process = std::move(process);
-    m_input = std::move(input);
-    m_outputReader = std::move(outputReader);
-    m_errorReader = std::move(errorReader);
-    connect(m_input.get(), &CommandQueue::failed, this, &BackendController::reportSendFailure);
-
-    // What the child wrote before it ended is applied before its end is.
-    ++m_launches;
-    connect(m_process.get(), &ChildProcess::exited, this, [this, launch = m_launches](int status) {
-        const auto ifCurrent = [this, launch](const std::function<void()> &action) {
-            if (m_process && m_launches == launch) {
-                action();
-            }
-        };
-        const auto finish = [this, ifCurrent, status] {
-            ifCurrent([this, status] { handleExit(status); });
-        };
-        const auto drainErrors = [this, ifCurrent, finish] {
-            ifCurrent([this, finish] { m_errorReader->whenDrained(finish); });
-        };
-        ifCurrent([this, drainErrors] { m_outputReader->whenDrained(drainErrors); });
-    });
-}
-
 bool BackendController::isRunning() const
 {
-    return m_process && m_process->isRunning();
+    return m_sidecar && m_sidecar->isRunning();
 }
 
 void BackendController::handleExit(int status)
 {
     // A listener may launch the next child, so nothing of this one is touched after the first announcement.
+    // Its readers live on: a grandchild may still speak.
     const bool wasReady = std::exchange(m_ready, false);
-    closeInput();
-    // The child may be the sender of the signal that led here.
-    m_process.release()->deleteLater();
+    RunningSidecar *ended = std::exchange(m_sidecar, nullptr);
+    ended->disconnect(this);
+    ended->closeInput();
     appendLog(QStringLiteral("backend exited (code %1)").arg(status));
     if (wasReady) {
         Q_EMIT readyChanged();
@@ -201,8 +186,8 @@ void BackendController::shutdown()
 
 void BackendController::killSidecar()
 {
-    if (m_process) {
-        m_process->sendSignal(SIGKILL);
+    if (m_sidecar) {
+        m_sidecar->kill();
     }
 }
 
@@ -211,30 +196,20 @@ void BackendController::killSidecar()
 void BackendController::send(const QJsonObject &command)
 {
     const QJsonValue name = command.value(QLatin1String("cmd"));
-    if (!m_input || !isRunning()) {
+    if (!isRunning() || !m_sidecar->takesInput()) {
         appendLog(QStringLiteral("× send(%1) skipped — Python backend is not running")
                       .arg(name.toString(QStringLiteral("?"))));
         return;
     }
     if (const std::optional<QString> failure =
-            m_input->send(name.toString(), protocol::encodeCommand(command))) {
+            m_sidecar->send(name.toString(), protocol::encodeCommand(command))) {
         reportSendFailure(*failure);
     }
 }
 
 void BackendController::reportSendFailure(const QString &reason)
 {
-    closeInput();
     appendLog(QStringLiteral("× send failed: ") + reason);
-}
-
-void BackendController::closeInput()
-{
-    if (m_input) {
-        m_input->disconnect(this);
-        // It may be the sender of the signal that led here.
-        m_input.release()->deleteLater();
-    }
 }
 
 void BackendController::sendCommand(const QString &name)
@@ -340,7 +315,8 @@ void BackendController::apply(protocol::BackendEvent event)
 
 void BackendController::applyReady(std::int64_t defaultMaxSteps)
 {
-    setReady(true);
+    // Whoever hears of it finds everything in place, the sidecar's three answers sent included.
+    const bool wasReady = std::exchange(m_ready, true);
     setFatalError(std::nullopt);
     setDesiredMaxSteps(defaultMaxSteps);
     setStatus(idleStatus(defaultMaxSteps));
@@ -348,6 +324,9 @@ void BackendController::applyReady(std::int64_t defaultMaxSteps)
     sendPaths();
     sendModelIdentity();
     sendTrainingProfile();
+    if (!wasReady) {
+        Q_EMIT readyChanged();
+    }
 }
 
 void BackendController::applyStatus(protocol::TrainStatusPayload status)
@@ -424,7 +403,7 @@ void BackendController::applyPaths(const protocol::BackendPaths &paths)
 
 void BackendController::appendLog(const QString &line)
 {
-    m_logLines.push_back(line.size() > maximumLogLineLength ? line.left(maximumLogLineLength) : line);
+    m_logLines.push_back(line.size() > maximumLogLineLength ? startOf(line, maximumLogLineLength) : line);
     if (m_logLines.size() > maximumLogLines) {
         m_logLines.pop_front();
     }
@@ -440,13 +419,6 @@ void BackendController::setStatus(protocol::TrainStatusPayload status)
 {
     m_status = std::move(status);
     Q_EMIT statusChanged();
-}
-
-void BackendController::setReady(bool ready)
-{
-    if (std::exchange(m_ready, ready) != ready) {
-        Q_EMIT readyChanged();
-    }
 }
 
 void BackendController::setFatalError(const std::optional<QString> &error)

@@ -28,8 +28,7 @@ class RunLibrary;
 
 namespace zorel::backend::bridge {
 
-class CommandQueue;
-class LineReader;
+class RunningSidecar;
 struct Line;
 
 /// Owns the training sidecar: finds, launches and drives it, and turns its output into the live training
@@ -43,7 +42,7 @@ public:
     static constexpr std::size_t maximumLossPoints = 4000;
     static constexpr std::size_t maximumLogLines = 2000;
     /// A longer log line is cut here (UTF-16 units), so that the log's memory stays bounded.
-    static constexpr qsizetype maximumLogLineLength = qsizetype{1} << 20;
+    static constexpr qsizetype maximumLogLineLength = qsizetype{1} << 16;
 
     /// What the controller needs from outside. `runAfter` calls the function on the main thread when the time
     /// has passed.
@@ -134,10 +133,9 @@ Q_SIGNALS:
 private:
     void handleOutputLine(const Line &line);
     void handleExit(int status);
-    void attach(std::unique_ptr<ChildProcess> process);
+    void startSidecar();
     Environment childEnvironment() const;
     void reportSendFailure(const QString &reason);
-    void closeInput();
 
     void applyReady(std::int64_t defaultMaxSteps);
     void applyStatus(protocol::TrainStatusPayload status);
@@ -146,7 +144,6 @@ private:
     void applyPaths(const protocol::BackendPaths &paths);
 
     void followSelection(const protocol::NeuronSnapshotPayload &snapshot);
-    void setReady(bool ready);
     void setFatalError(const std::optional<QString> &error);
     void setStatus(protocol::TrainStatusPayload status);
     void setDesiredMaxSteps(std::int64_t steps);
@@ -173,11 +170,8 @@ private:
     QString m_python;
     QString m_scriptsRoot;
     protocol::EventDecoder m_decoder;
-    std::unique_ptr<ChildProcess> m_process;
-    std::uint64_t m_launches = 0; ///< tells notices of the present child from those of an earlier one
-    std::unique_ptr<CommandQueue> m_input;
-    std::unique_ptr<LineReader> m_outputReader;
-    std::unique_ptr<LineReader> m_errorReader;
+    RunningSidecar *m_sidecar = nullptr;    ///< a child of this object; null before launch and after the exit
+    QPointer<RunningSidecar> m_lastSidecar; ///< the present one, or the one that ended last
 };
 
 } // namespace zorel::backend::bridge

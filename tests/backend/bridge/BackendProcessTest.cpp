@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include <csignal>
+#include <thread>
 
 using namespace zorel;
 using namespace zorel::backend;
@@ -79,6 +80,8 @@ private Q_SLOTS:
     void theExitIsLoggedWithItsStatus_data();
     void theExitIsLoggedWithItsStatus();
     void whatTheChildWroteLastComesBeforeItsExit();
+    void aRelaunchKeepsWhatTheLastChildSaidInTheEnd();
+    void readyIsAnnouncedWithEverythingInPlace();
     void aSendAfterTheExitIsSkipped();
     void aChildThatClosedItsInputIsReported();
     void stopAndQuitReachAChildThatReadsLate();
@@ -387,6 +390,36 @@ void BackendProcessTest::whatTheChildWroteLastComesBeforeItsExit()
     QCOMPARE(log().constLast(), QStringLiteral("backend exited (code 1)"));
     QVERIFY(log().contains(QStringLiteral("last words")));
     QVERIFY(log().contains(QStringLiteral("[py stderr] line 1499")));
+}
+
+void BackendProcessTest::aRelaunchKeepsWhatTheLastChildSaidInTheEnd()
+{
+    play({step(QStringLiteral("stderr"), QStringLiteral("Traceback")), step(QStringLiteral("exit"), 1)});
+    // The child is dead before anything of it has been handled.
+    while (m_controller->isRunning()) {
+        std::this_thread::yield();
+    }
+    m_sidecar->play({emitReady()});
+    m_controller->startTraining(false);
+    QVERIFY(m_controller->isRunning());
+    QTRY_VERIFY(m_controller->ready());
+    QTRY_VERIFY(log().contains(QStringLiteral("[py stderr] Traceback")));
+    QCOMPARE(countOf(QStringLiteral("backend exited (code 1)")), 1);
+}
+
+void BackendProcessTest::readyIsAnnouncedWithEverythingInPlace()
+{
+    const QString echo = m_sidecar->pathOf(QStringLiteral("commands"));
+    std::int64_t steps = 0;
+    connect(m_controller.get(), &BackendController::readyChanged, this, [this, &steps] {
+        steps = m_controller->desiredMaxSteps();
+        m_controller->sendCommand(QStringLiteral("quit"));
+    });
+    play({step(QStringLiteral("echo_commands_to"), echo), emitReady(), await(QStringLiteral("quit")),
+          step(QStringLiteral("exit"), 0)});
+    QTRY_COMPARE(contentOf(echo).count('\n'), 4);
+    QVERIFY(contentOf(echo).endsWith("{\"cmd\":\"quit\"}\n"));
+    QCOMPARE(steps, 300);
 }
 
 void BackendProcessTest::aSendAfterTheExitIsSkipped()
