@@ -1,8 +1,7 @@
 """Shares a batch out over the cores of a CPU.
 
 MLX runs the operations of one stream on one thread; only matrix products spread further, inside the BLAS. With a stream
-a core, each taking its part of the batch with a single-threaded BLAS, everything runs side by side: on two cores a
-step of a 2-million-parameter model took 179 ms instead of 223 ms (`bench/sidecar`).
+a core, each taking its part of the batch with a single-threaded BLAS, everything but the optimizer runs side by side.
 """
 
 from __future__ import annotations
