@@ -173,7 +173,8 @@ std::size_t JSONNode::elementCount() const
 void JSONNode::visitElements(void *visitor, void (*visit)(void *, const JSONNode &)) const
 {
     JSONNode node;
-    for (const Element element : elementIn(m_element).get_array().value()) {
+    const simdjson::dom::array array = elementIn(m_element).get_array();
+    for (const Element element : array) {
         node.m_element = std::bit_cast<Storage>(element);
         visit(visitor, node);
     }
@@ -182,7 +183,8 @@ void JSONNode::visitElements(void *visitor, void (*visit)(void *, const JSONNode
 void JSONNode::visitMembers(void *visitor, void (*visit)(void *, std::string_view, const JSONNode &)) const
 {
     JSONNode node;
-    for (const auto member : elementIn(m_element).get_object().value()) {
+    const simdjson::dom::object object = elementIn(m_element).get_object();
+    for (const auto member : object) {
         node.m_element = std::bit_cast<Storage>(member.value);
         visit(visitor, member.key, node);
     }
