@@ -129,7 +129,7 @@ void CallRunner::send(const HTTPRequest &request)
             sent.waitForFinished(); // throws what the transport threw
             if (sent.resultCount() == 0)
                 throw TransportError(TransportError::Kind::other, u"The transport gave no answer."_s);
-            answer = sent.takeResult();
+            answer = sent.result();
         } catch (...) {
             call->fail(CaldraError(transportErrorFrom(std::current_exception())).withoutSecret(apiKey));
             return;

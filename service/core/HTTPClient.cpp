@@ -110,7 +110,10 @@ HTTPRequest HTTPClient::makeRequest(HTTPMethod method, const QString &path, cons
                                     std::optional<QByteArray> body) const
 {
     QUrl url = baseURL;
-    url.setPath(baseURL.path(QUrl::FullyEncoded) + path, QUrl::StrictMode);
+    const QString basePath = baseURL.path(QUrl::FullyEncoded);
+    url.setPath(basePath + path, QUrl::StrictMode);
+    // QUrl writes encoded dots as dots, so the path is judged as it will travel.
+    const QString travellingPath = url.path(QUrl::FullyEncoded).mid(basePath.size());
     QStringList items;
     for (const auto &[name, value] : query) {
         // "+" is encoded as well: many servers read it as a space.
@@ -119,7 +122,7 @@ HTTPRequest HTTPClient::makeRequest(HTTPMethod method, const QString &path, cons
     }
     if (!items.isEmpty())
         url.setQuery(items.join(u'&'), QUrl::StrictMode);
-    if (!isAllowedAddress(url) || !keepsItsPlace(path))
+    if (!isAllowedAddress(url) || !keepsItsPlace(travellingPath))
         throw CaldraError(CaldraError::InvalidURL{path}).withoutSecret(configuration.apiKey);
 
     HTTPRequest request{nameOf(method), url, {}, std::move(body), wholeTime(configuration.timeout)};

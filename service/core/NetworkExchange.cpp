@@ -1,5 +1,6 @@
 #include "service/core/NetworkExchange.h"
 
+#include "service/core/OneTimeBody.h"
 #include "service/core/ServiceEndpoints.h"
 
 #include <QNetworkAccessManager>
@@ -32,9 +33,18 @@ QNetworkRequest networkRequestFor(const HTTPRequest &request, const NetworkOptio
     return networkRequest;
 }
 
-bool isSecurityFailure(QNetworkReply::NetworkError error)
+TransportError failureOf(const QNetworkReply &reply)
 {
-    return error == QNetworkReply::SslHandshakeFailedError;
+    using Kind = TransportError::Kind;
+    switch (reply.error()) {
+    case QNetworkReply::SslHandshakeFailedError:
+        return {Kind::security, reply.errorString()};
+    case QNetworkReply::RemoteHostClosedError:
+    case QNetworkReply::ContentReSendError:
+        return {Kind::closedEarly, u"The connection was closed before the answer was complete."_s};
+    default:
+        return {Kind::connection, reply.errorString()};
+    }
 }
 
 // Whether the reply is a whole HTTP answer, be its status what it may.
@@ -44,6 +54,8 @@ bool isAnswered(const QNetworkReply &reply, int status)
     if (error == QNetworkReply::NoError)
         return status > 0;
     // Qt reports every refusing status as an error as well.
+    if (status == 407 && error == QNetworkReply::ProxyAuthenticationRequiredError)
+        return true;
     return status >= 400 && error >= QNetworkReply::ContentAccessDenied &&
            error != QNetworkReply::ProtocolFailure;
 }
@@ -94,12 +106,16 @@ void NetworkExchange::sendOnce()
         fail(TransportError::Kind::unusableRequest, u"Requests to this address are not allowed."_s);
         return;
     }
-    const QNetworkRequest networkRequest = networkRequestFor(m_request, m_options);
+    QNetworkRequest networkRequest = networkRequestFor(m_request, m_options);
     m_body.clear();
-    if (m_request.body)
-        m_reply = m_manager.sendCustomRequest(networkRequest, m_request.method, *m_request.body);
-    else
+    if (m_request.body) {
+        auto *body = new OneTimeBody(*m_request.body, this);
+        networkRequest.setHeader(QNetworkRequest::ContentLengthHeader, m_request.body->size());
+        networkRequest.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+        m_reply = m_manager.sendCustomRequest(networkRequest, m_request.method, body);
+    } else {
         m_reply = m_manager.sendCustomRequest(networkRequest, m_request.method);
+    }
     connect(m_reply, &QNetworkReply::readyRead, this, &NetworkExchange::readMore);
     connect(m_reply, &QNetworkReply::finished, this, &NetworkExchange::takeAnswer);
 }
@@ -124,13 +140,8 @@ void NetworkExchange::takeAnswer()
         return;
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (!isAnswered(*m_reply, status)) {
-        using Kind = TransportError::Kind;
-        const auto error = m_reply->error();
-        const bool isClosed = error == QNetworkReply::RemoteHostClosedError;
-        fail(isSecurityFailure(error) ? Kind::security
-             : isClosed               ? Kind::closedEarly
-                                      : Kind::connection,
-             m_reply->errorString());
+        const TransportError error = failureOf(*m_reply);
+        fail(error.kind(), error.localizedDescription());
         return;
     }
 

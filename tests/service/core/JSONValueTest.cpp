@@ -74,7 +74,7 @@ private Q_SLOTS:
                               << u"the JSON is nested too deeply"_s;
         QTest::newRow("deep objects") << QByteArray("{\"a\":").repeated(10000) + "1" + QByteArray(10000, '}')
                                       << u"the JSON is nested too deeply"_s;
-        QTest::newRow("NUL") << QByteArray("[1\0]", 4) << noJSON;
+        QTest::newRow("NUL") << QByteArray("[\0]", 3) << noJSON;
     }
 
     void refusesWhatIsNoJSON()
@@ -96,14 +96,14 @@ private Q_SLOTS:
         QVERIFY_THROWS_EXCEPTION(caldra::EncodingError,
                                  JSONValue(std::numeric_limits<double>::infinity()).toJSON());
         JSONValue deep;
-        for (int level = 0; level < 5000; ++level)
+        for (int level = 0; level < 1500; ++level)
             deep = JSONValue::Array{deep};
         QVERIFY_THROWS_EXCEPTION(caldra::EncodingError, deep.toJSON());
     }
 
     void seesWhereATextWasCut()
     {
-        const QByteArray whole = R"({"a": ["\"}", {"b": 1}], "c": "]"})";
+        const QByteArray whole = "{\"a\": [\"\\\"}\", {\"b\": 1}], \"c\": \"]\"}";
         for (qsizetype length = 0; length < whole.size(); ++length)
             QVERIFY2(caldra::isTruncatedJSON(whole.left(length)), whole.left(length).constData());
         QVERIFY(!caldra::isTruncatedJSON(whole));
