@@ -121,7 +121,10 @@ private Q_SLOTS:
             sent.release();
             return promise.future();
         });
-        const CaldraClient client({u"key"_s, u"org"_s}, transport);
+        CaldraConfiguration configuration;
+        configuration.apiKey = u"key"_s;
+        configuration.organizationId = u"org"_s;
+        const CaldraClient client(configuration, transport);
         auto call = client.support.getTicket(u"1"_s);
         QVERIFY(sent.tryAcquire(1, 20000));
         QFutureWatcher<TransportAnswer> watcher;
