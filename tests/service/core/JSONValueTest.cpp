@@ -96,8 +96,11 @@ private Q_SLOTS:
         QVERIFY_THROWS_EXCEPTION(caldra::EncodingError,
                                  JSONValue(std::numeric_limits<double>::infinity()).toJSON());
         JSONValue deep;
-        for (int level = 0; level < 1500; ++level)
-            deep = JSONValue::Array{deep};
+        for (int level = 0; level < 1500; ++level) {
+            JSONValue::Array around;
+            around.push_back(std::move(deep));
+            deep = std::move(around);
+        }
         QVERIFY_THROWS_EXCEPTION(caldra::EncodingError, deep.toJSON());
     }
 
