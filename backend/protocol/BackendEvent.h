@@ -40,7 +40,7 @@ struct DoneEvent
 };
 
 /// Everything the sidecar can say, in the order in which the event names are documented.
-using BackendEvent = std::variant<ReadyEvent, TrainStatusPayload, NeuronSnapshotPayload, LogEvent, ErrorEvent, ArchivedModel,
-                                  BackendPaths, ModelIdentityEvent, DoneEvent>;
+using BackendEvent = std::variant<ReadyEvent, TrainStatusPayload, NeuronSnapshotPayload, LogEvent, ErrorEvent,
+                                  ArchivedModel, BackendPaths, ModelIdentityEvent, DoneEvent>;
 
 } // namespace zorel::backend::protocol

@@ -16,7 +16,8 @@ inline constexpr std::int64_t maximumMaxSteps = 10'000'000;
 QJsonObject simpleCommand(const QString &name);
 
 /// The paths are expected with "~" already expanded.
-QJsonObject setPathsCommand(const QString &trainingData, const QString &finishedModels, const QString &modelRoot);
+QJsonObject setPathsCommand(const QString &trainingData, const QString &finishedModels,
+                            const QString &modelRoot);
 
 /// Leaves out the entries whose value is empty; an all-empty identity is sent as an empty object.
 QJsonObject setModelIdentityCommand(const QMap<QString, QString> &identity);

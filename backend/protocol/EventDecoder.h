@@ -16,12 +16,13 @@ struct DecodingError
     std::string message;
 };
 
-/// Turns lines of the sidecar's standard output into events. Keeps the parser's memory between lines, so one object serves one
-/// stream; not thread-safe.
+/// Turns lines of the sidecar's standard output into events. Keeps the parser's memory between lines, so one
+/// object serves one stream; not thread-safe.
 class EventDecoder
 {
 public:
-    /// Readable bytes that must follow a line for it to be decoded where it stands (their content does not matter).
+    /// Readable bytes that must follow a line for it to be decoded where it stands (their content does not
+    /// matter).
     static constexpr std::size_t padding = 64;
 
     EventDecoder();
@@ -29,8 +30,8 @@ public:
     EventDecoder(EventDecoder &&) noexcept;
     EventDecoder &operator=(EventDecoder &&) noexcept;
 
-    /// Decodes one trimmed line (UTF-8, no line feed). `readable` counts the bytes that may be read from the line's start; with
-    /// at least `padding` beyond its end nothing is copied.
+    /// Decodes one trimmed line (UTF-8, no line feed). `readable` counts the bytes that may be read from the
+    /// line's start; with at least `padding` beyond its end nothing is copied.
     std::variant<BackendEvent, DecodingError> decode(std::string_view line, std::size_t readable = 0);
 
 private:

@@ -1,14 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <string_view>
-#include <vector>
 
 namespace zorel::backend::protocol {
 
-/// One point of a loss curve. `id` is drawn from a process-wide sequence of unique random-looking numbers when the point is
-/// created, and is never written anywhere.
+/// One point of a loss curve. `id` is drawn from a process-wide sequence of unique random-looking numbers
+/// when the point is created, from any thread, and is never written anywhere; a copy keeps it.
 struct LossPoint
 {
     LossPoint(std::int64_t pointStep, double pointLoss);

@@ -29,7 +29,8 @@ struct LayerNeurons
     bool operator==(const LayerNeurons &) const = default;
 };
 
-/// The activations of every block at one training step. The counts are the sender's: they need not agree with `layers`.
+/// The activations of every block at one training step. The counts are the sender's: they need not agree with
+/// `layers`.
 struct NeuronSnapshotPayload
 {
     std::int64_t step = 0;

@@ -7,8 +7,8 @@
 
 namespace zorel::backend::protocol {
 
-/// One "status" event: where the run stands. `state` is carried as it was sent; the application interprets "idle", "starting",
-/// "preparing", "running", "paused", "stopping", "done" and "error".
+/// One "status" event: where the run stands. `state` is carried as it was sent; the application interprets
+/// "idle", "starting", "preparing", "running", "paused", "stopping", "done" and "error".
 struct TrainStatusPayload
 {
     QString state;
