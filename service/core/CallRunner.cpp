@@ -20,7 +20,9 @@ constexpr qsizetype largestDecodedInPlace = 64 * 1024;
 bool endedTooSoon(const TransportAnswer &answer)
 {
     // Without a length the end of the connection is the end of the body, so only the body itself can tell.
-    return !answer.response->header("Content-Length") && isTruncatedJSON(answer.body);
+    const HTTPResponse &response = *answer.response;
+    return !response.header("Content-Length") && !response.header("Transfer-Encoding") &&
+           isTruncatedJSON(answer.body);
 }
 
 TransportError closedEarly()

@@ -8,16 +8,17 @@
 #include <QPromise>
 #include <QTimer>
 
-class QNetworkReply;
-
 namespace caldra {
 
-/// One request of a NetworkTransport with all its redirects. A child of its manager; deletes itself when
-/// done.
+class ConnectionPool;
+class HTTPAnswerParser;
+class HTTPConnection;
+
+/// One request of a NetworkTransport with all its redirects. Deletes itself when done.
 class NetworkExchange : public QObject
 {
 public:
-    NetworkExchange(QNetworkAccessManager &manager, const NetworkOptions &options, HTTPRequest request,
+    NetworkExchange(ConnectionPool &pool, const NetworkOptions &options, HTTPRequest request,
                     QPromise<TransportAnswer> promise);
     ~NetworkExchange() override;
 
@@ -25,21 +26,20 @@ public:
 
 private:
     void sendOnce();
-    void readMore();
-    void takeAnswer();
-    void answerWith(const HTTPResponse &response);
+    void sendOver(HTTPConnection &connection);
+    void take(HTTPAnswerParser &answer);
     void follow(const HTTPResponse &response, const QByteArray &location);
     void fail(TransportError::Kind kind, const QString &message);
-    void dropReply();
+    void dropConnection();
 
-    QNetworkAccessManager &m_manager;
+    ConnectionPool &m_pool;
     const NetworkOptions m_options;
     HTTPRequest m_request;
     QPromise<TransportAnswer> m_promise;
     QFutureWatcher<TransportAnswer> m_watcher;
     QTimer m_deadline;
-    QNetworkReply *m_reply = nullptr;
-    QByteArray m_body;
+    HTTPConnection *m_connection = nullptr;
+    bool m_hasRetried = false;
     int m_redirects = 0;
 };
 

@@ -1,44 +1,25 @@
 #include "service/core/NetworkTransport.h"
 
+#include "service/core/ConnectionPool.h"
 #include "service/core/LibraryThread.h"
 #include "service/core/NetworkExchange.h"
-#include "service/core/ServiceEndpoints.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkProxy>
+#include <QPointer>
 #include <QThread>
 
 namespace caldra {
-
-namespace {
-
-// A loopback address is never reached through a proxy, whatever the system's settings say.
-class ProxyChoice final : public QNetworkProxyFactory
-{
-public:
-    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override
-    {
-        if (isLoopback(query.url()))
-            return {QNetworkProxy::NoProxy};
-        return systemProxyForQuery(query);
-    }
-};
-
-} // namespace
 
 /// What lives on the library's thread. Outlives the transport until that thread has let go of it.
 struct NetworkTransport::Shared
 {
     NetworkOptions options;
-    QPointer<QNetworkAccessManager> manager; // library's thread only; gone when that thread has ended
+    QPointer<ConnectionPool> pool; // library's thread only; gone when that thread has ended
 
-    QNetworkAccessManager &usableManager(QObject *context)
+    ConnectionPool &usablePool(QObject *context)
     {
-        if (!manager) {
-            manager = new QNetworkAccessManager(context);
-            manager->setProxyFactory(new ProxyChoice);
-        }
-        return *manager;
+        if (!pool)
+            pool = new ConnectionPool(options, context);
+        return *pool;
     }
 };
 
@@ -50,8 +31,8 @@ NetworkTransport::~NetworkTransport()
 {
     if (QObject *context = runningLibraryContext()) {
         QMetaObject::invokeMethod(context, [shared = m_shared] {
-            if (shared->manager)
-                shared->manager->deleteLater();
+            if (shared->pool)
+                shared->pool->deleteLater();
         });
     }
 }
@@ -63,8 +44,8 @@ QFuture<TransportAnswer> NetworkTransport::send(const HTTPRequest &request)
     const QFuture<TransportAnswer> future = promise.future();
     QObject *context = libraryContext();
     auto begin = [context, shared = m_shared, request, promise = std::move(promise)]() mutable {
-        auto *exchange = new NetworkExchange(shared->usableManager(context), shared->options,
-                                             std::move(request), std::move(promise));
+        auto *exchange = new NetworkExchange(shared->usablePool(context), shared->options, std::move(request),
+                                             std::move(promise));
         exchange->start();
     };
     if (context->thread() == QThread::currentThread())

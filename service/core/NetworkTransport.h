@@ -2,16 +2,13 @@
 
 #include "service/core/CaldraTransport.h"
 
-#include <QPointer>
 #include <QSslCertificate>
-
-class QNetworkAccessManager;
 
 namespace caldra {
 
 struct NetworkOptions
 {
-    qint64 largestBody = 32 * 1024 * 1024; ///< bytes of an answer, after decompression
+    qint64 largestBody = 32 * 1024 * 1024; ///< bytes of an answer
     int mostRedirects = 10;
     /// Trusted beside the system's own, for staging hosts and tests.
     QList<QSslCertificate> trustedAuthorities = {};

@@ -149,6 +149,25 @@ private Q_SLOTS:
         QCOMPARE(resultOf(call).ticket.id, u"1"_s);
     }
 
+    void cancelsWhatItsTransportLeavesBehind()
+    {
+        LoopbackServer server([](const ReceivedRequest &) { return Answer::silence(); });
+        auto transport = std::make_unique<NetworkTransport>();
+        const QFuture<TransportAnswer> answered = transport->send({"GET", server.url(u"/"_s), {}, {}});
+        std::vector<QFuture<TransportAnswer>> waiting;
+        for (int request = 0; request < 20; ++request)
+            waiting.push_back(transport->send({"GET", server.url(u"/"_s), {}, {}}));
+        QVERIFY(server.received.tryAcquire(6, 20000));
+        transport.reset();
+        await(answered);
+        QVERIFY(answered.isCanceled());
+        for (const auto &request : waiting) {
+            await(request);
+            QVERIFY(request.isCanceled());
+        }
+        QCOMPARE(server.requests().size(), 6u);
+    }
+
     void continuesOnTheCallersContext()
     {
         LoopbackServer server(echoTicket);

@@ -8,6 +8,8 @@
 
 #include <QtTest/QtTest>
 
+#include <set>
+
 using namespace Qt::StringLiterals;
 using namespace caldra;
 using namespace caldra::tests;
@@ -159,6 +161,49 @@ private Q_SLOTS:
             QVERIFY(error && error->transport());
             QCOMPARE(server.requests().size(), 1u);
         }
+    }
+
+    void connectsAgainAfterTheServerHasClosed()
+    {
+        LoopbackServer server(always({Answer::json(goodHealth).bytes, Answer::Ending::close}));
+        const HTTPClient client = clientOf(server);
+        for (int call = 1; call <= 20; ++call) {
+            resultOf(health(client));
+            QCOMPARE(server.lastRequest().connection, call);
+        }
+    }
+
+    void sendsAgainOnlyWhatMayBeRepeated()
+    {
+        // The second request on a connection finds it closed.
+        LoopbackServer server([connections = std::set<int>()](const ReceivedRequest &request) mutable {
+            const bool isFirst = connections.insert(request.connection).second;
+            return isFirst ? Answer::json(goodHealth) : Answer::dropped();
+        });
+        const HTTPClient client = clientOf(server);
+        resultOf(health(client));
+        QCOMPARE(resultOf(health(client)).service, u"s"_s);
+        QCOMPARE(server.requests().size(), 3u);
+        const auto change =
+            errorOf(client.request<HealthResponse>(HTTPMethod::PATCH, u"/p"_s, {}, HealthResponse{}));
+        QCOMPARE(kindOf(change), Kind::closedEarly);
+        QCOMPARE(server.requests().size(), 4u);
+    }
+
+    void keepsTheFramingToItself()
+    {
+        LoopbackServer server(always(Answer::json(goodHealth)));
+        HTTPClient client = clientOf(server);
+        client.configuration.defaultHeaders = {{u"content-length"_s, u"0"_s},
+                                               {u"Transfer-Encoding"_s, u"chunked"_s},
+                                               {u"Host"_s, u"x"_s},
+                                               {u"User-Agent"_s, u"me"_s}};
+        resultOf(client.request<HealthResponse>(HTTPMethod::PATCH, u"/p"_s, {}, HealthResponse{}));
+        const ReceivedRequest request = server.lastRequest();
+        QCOMPARE(request.body, R"({"ok":false,"service":""})");
+        QCOMPARE(request.headers.value("host"), server.host().mid(7).toLatin1());
+        QCOMPARE(request.headers.value("user-agent"), "me");
+        QVERIFY(!request.headers.contains("transfer-encoding"));
     }
 
     void givesUpWhenTheTimeIsOver_data()
