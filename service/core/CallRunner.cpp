@@ -6,8 +6,6 @@
 #include "service/core/PendingCall.h"
 #include "service/core/RecordDecoder.h"
 
-#include <QThreadPool>
-
 using namespace Qt::StringLiterals;
 
 namespace caldra {
@@ -139,7 +137,7 @@ void CallRunner::send(const HTTPRequest &request)
         if (answer.body.size() <= largestDecodedInPlace)
             complete(*call, answer, redirects, apiKey);
         else
-            QThreadPool::globalInstance()->start(
+            runBesideLibraryThread(
                 [=, answer = std::move(answer)] { complete(*call, answer, redirects, apiKey); });
     };
     m_sending.then(QtFuture::Launch::Sync, finish).onCanceled([this, call = m_call] {

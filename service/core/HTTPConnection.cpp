@@ -116,10 +116,12 @@ void HTTPConnection::open()
     url.setHost(m_origin.host);
     url.setPort(m_origin.port);
     // A loopback address is never reached through a proxy, whatever the system's settings say.
-    if (isLoopback(url))
-        m_socket->setProxy(QNetworkProxy::NoProxy);
-    else
-        m_socket->setProxy(QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)).value(0));
+    QNetworkProxy proxy(QNetworkProxy::NoProxy);
+    if (!isLoopback(url))
+        proxy = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)).value(0);
+    if (proxy.type() == QNetworkProxy::HttpCachingProxy)
+        proxy.setType(QNetworkProxy::HttpProxy);
+    m_socket->setProxy(proxy);
 
     m_isOpening = true;
     auto *encrypted = qobject_cast<QSslSocket *>(m_socket);

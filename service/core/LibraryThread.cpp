@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QMutex>
 #include <QThread>
+#include <QThreadPool>
 
 #include <memory>
 
@@ -75,6 +76,12 @@ void LibraryThread::start()
 QObject *libraryContext()
 {
     return libraryThread().context();
+}
+
+void runBesideLibraryThread(std::function<void()> work)
+{
+    static QThreadPool pool;
+    pool.start(std::move(work));
 }
 
 QObject *runningLibraryContext()

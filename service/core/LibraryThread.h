@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 class QObject;
 
 namespace caldra {
@@ -9,5 +11,9 @@ namespace caldra {
 QObject *libraryContext();
 /// The same, null when the thread does not run.
 QObject *runningLibraryContext();
+
+/// Runs longer work beside the library's thread. Not on the application's thread pool: its threads may all be
+/// waiting for calls of the library.
+void runBesideLibraryThread(std::function<void()> work);
 
 } // namespace caldra

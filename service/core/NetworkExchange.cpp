@@ -49,6 +49,7 @@ void NetworkExchange::start()
     connect(&m_deadline, &QTimer::timeout, this,
             [this] { fail(TransportError::Kind::timedOut, u"The request timed out."_s); });
     m_deadline.setSingleShot(true);
+    m_deadline.setTimerType(Qt::PreciseTimer);
     m_deadline.start(m_request.timeout);
     sendOnce();
 }

@@ -7,6 +7,7 @@
 #include <QtTest/QtTest>
 
 #include <QPromise>
+#include <QThreadPool>
 
 #include <atomic>
 #include <thread>
@@ -84,6 +85,21 @@ private Q_SLOTS:
         QVERIFY(!call.isFinished());
         returned.release();
         QCOMPARE(resultOf(call).ticket.id, u"1"_s);
+    }
+
+    void decodesWhileTheApplicationsThreadPoolWaits()
+    {
+        QByteArray large = R"({"ticket":{"id":"1","body":"x"}})";
+        large.replace("\"x\"", '"' + QByteArray(1 << 20, 'x') + '"');
+        LoopbackServer server([&](const ReceivedRequest &) { return Answer::json(enveloped(large)); });
+        const CaldraClient client = clientOf(server);
+        QThreadPool &pool = *QThreadPool::globalInstance();
+        std::atomic<int> good = 0;
+        for (int task = 0; task < 2 * pool.maxThreadCount(); ++task)
+            pool.start(
+                [&] { good += resultOf(client.support.getTicket(u"1"_s)).ticket.body->size() == 1 << 20; });
+        pool.waitForDone();
+        QCOMPARE(good.load(), 2 * pool.maxThreadCount());
     }
 
     void cancelsTheRequest()
