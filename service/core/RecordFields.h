@@ -35,6 +35,9 @@ struct WireText
     std::string_view text;
 };
 
+template <class Enumeration>
+WireText(Enumeration, std::string_view) -> WireText<Enumeration>;
+
 /// A struct that lists its fields once: `static constexpr auto fields = std::tuple{field("id", &T::id),
 /// ...}`. The encoder and the decoder need nothing else.
 template <class T>
