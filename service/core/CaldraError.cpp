@@ -16,6 +16,9 @@ struct Overloaded : Arms...
     using Arms::operator()...;
 };
 
+template <class... Arms>
+Overloaded(Arms...) -> Overloaded<Arms...>;
+
 JSONValue redactedValue(const JSONValue &value, const QString &secret)
 {
     if (const QString *text = value.string())
