@@ -1,0 +1,67 @@
+#include "service/core/ConnectionPool.h"
+
+namespace caldra {
+
+namespace {
+
+constexpr int mostPerOrigin = 6;
+
+} // namespace
+
+ConnectionPool::ConnectionPool(const NetworkOptions &options, QObject *parent)
+    : QObject(parent)
+    , m_options(options)
+    , m_exchanges(std::make_unique<QObject>())
+{}
+
+void ConnectionPool::acquire(const Origin &origin, const QObject &owner, Ready ready)
+{
+    m_origins[origin].waiting.push_back({&owner, std::move(ready)});
+    serveWaiting(origin);
+}
+
+void ConnectionPool::serveWaiting(const Origin &origin)
+{
+    Connections &connections = m_origins[origin];
+    while (!connections.waiting.empty()) {
+        HTTPConnection *connection = nullptr;
+        if (!connections.resting.empty()) {
+            connection = connections.resting.back();
+            connections.resting.pop_back();
+            connection->stopResting();
+        } else if (connections.count < mostPerOrigin) {
+            connection = new HTTPConnection(origin, m_options, this);
+            ++connections.count;
+        } else {
+            return;
+        }
+        const Ready ready = std::move(connections.waiting.front().ready);
+        connections.waiting.pop_front();
+        ready(*connection);
+    }
+}
+
+void ConnectionPool::withdraw(const QObject &owner)
+{
+    for (auto &[origin, connections] : m_origins)
+        std::erase_if(connections.waiting, [&](const Waiting &waiting) { return waiting.owner == &owner; });
+}
+
+void ConnectionPool::giveBack(HTTPConnection &connection)
+{
+    m_origins[connection.origin()].resting.push_back(&connection);
+    connection.rest([this, &connection] { drop(connection); });
+    serveWaiting(connection.origin());
+}
+
+void ConnectionPool::drop(HTTPConnection &connection)
+{
+    Connections &connections = m_origins[connection.origin()];
+    std::erase(connections.resting, &connection);
+    --connections.count;
+    connection.abandon();
+    connection.deleteLater();
+    serveWaiting(connection.origin());
+}
+
+} // namespace caldra
