@@ -42,7 +42,7 @@ bool skipArray(ondemand::value &value, int depth)
         return false;
     for (simdjson::simdjson_result<ondemand::value> result : array) {
         ondemand::value element;
-        if (std::move(result).get(element) != simdjson::SUCCESS)
+        if (result.get(element) != simdjson::SUCCESS)
             return false;
         if (skipValue(element, depth + 1) == Reading::malformed)
             return false;

@@ -89,7 +89,7 @@ Reading readArray(ondemand::value &value, std::vector<Element> &elements, ReadEl
     Reading all = Reading::taken;
     for (simdjson::simdjson_result<ondemand::value> result : array) {
         ondemand::value elementValue;
-        if (std::move(result).get(elementValue) != simdjson::SUCCESS)
+        if (result.get(elementValue) != simdjson::SUCCESS)
             return Reading::malformed;
         Element element;
         const Reading one = readElement(elementValue, element);

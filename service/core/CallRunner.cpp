@@ -97,8 +97,8 @@ CallRunner::CallRunner(std::shared_ptr<CaldraTransport> transport, std::shared_p
     , m_apiKey(std::move(apiKey))
 {}
 
-void CallRunner::start(std::shared_ptr<CaldraTransport> transport, HTTPRequest request,
-                       std::shared_ptr<PendingCall> call, QString apiKey)
+void CallRunner::start(const std::shared_ptr<CaldraTransport> &transport, HTTPRequest request,
+                       const std::shared_ptr<PendingCall> &call, const QString &apiKey)
 {
     QObject *context = libraryContext();
     QMetaObject::invokeMethod(context, [=, request = std::move(request)] {

@@ -18,8 +18,8 @@ class CallRunner : public QObject
 {
 public:
     /// Any thread. `apiKey` is kept out of every error.
-    static void start(std::shared_ptr<CaldraTransport> transport, HTTPRequest request,
-                      std::shared_ptr<PendingCall> call, QString apiKey);
+    static void start(const std::shared_ptr<CaldraTransport> &transport, HTTPRequest request,
+                      const std::shared_ptr<PendingCall> &call, const QString &apiKey);
 
 private:
     CallRunner(std::shared_ptr<CaldraTransport> transport, std::shared_ptr<PendingCall> call, QString apiKey);

@@ -41,9 +41,9 @@ QFuture<TransportAnswer> NetworkTransport::send(const HTTPRequest &request)
 {
     QPromise<TransportAnswer> promise;
     promise.start();
-    const QFuture<TransportAnswer> future = promise.future();
+    QFuture<TransportAnswer> future = promise.future();
     QObject *context = libraryContext();
-    auto begin = [context, shared = m_shared, request, promise = std::move(promise)]() mutable {
+    auto begin = [context, shared = m_shared, request = request, promise = std::move(promise)]() mutable {
         auto *exchange = new NetworkExchange(shared->usablePool(context), shared->options, std::move(request),
                                              std::move(promise));
         exchange->start();
