@@ -1,5 +1,7 @@
 #include "terminal/TextWidth.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <array>
 
