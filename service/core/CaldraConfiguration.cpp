@@ -21,7 +21,7 @@ QString textIn(const QVariantMap &information, const QString &key)
 
 QString defaultOrganizationId()
 {
-    return u"XxXxXxXxXxXxXxXxXxXxXx"_s;
+    return u"XxXxXxXxXxXxXxXxXxXx"_s;
 }
 
 CaldraConfiguration CaldraConfiguration::fromInfoDictionary(

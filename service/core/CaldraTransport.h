@@ -42,6 +42,8 @@ struct TransportAnswer
 {
     QByteArray body;
     std::optional<HTTPResponse> response; ///< empty: the answer was no HTTP
+    /// The end of the connection was the end of the body, so that a cut-off body looks complete.
+    bool endedWithConnection = false;
 };
 
 /// How requests leave the library. Tests and programs may hand in their own.

@@ -17,10 +17,8 @@ constexpr qsizetype largestDecodedInPlace = 64 * 1024;
 
 bool endedTooSoon(const TransportAnswer &answer)
 {
-    // Without a length the end of the connection is the end of the body, so only the body itself can tell.
-    const HTTPResponse &response = *answer.response;
-    return !response.header("Content-Length") && !response.header("Transfer-Encoding") &&
-           isTruncatedJSON(answer.body);
+    // Then only the body itself can tell.
+    return answer.endedWithConnection && isTruncatedJSON(answer.body);
 }
 
 TransportError closedEarly()

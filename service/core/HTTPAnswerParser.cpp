@@ -126,8 +126,11 @@ void HTTPAnswerParser::chooseFraming()
     m_state = State::body;
     if (m_status == 204 || m_status == 304) {
         m_state = State::complete;
+        // A body that is announced all the same would be taken for the next answer.
+        m_keepsConnection = m_keepsConnection && !isEncoded && !(length && m_status == 204);
     } else if (isEncoded) {
         m_framing = Framing::chunked;
+        m_keepsConnection = m_keepsConnection && !length;
     } else if (length) {
         const auto number = numberIn(*length, 10);
         m_framing = Framing::length;

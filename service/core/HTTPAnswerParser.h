@@ -30,6 +30,8 @@ public:
     bool hasBegun() const { return m_hasBegun; }
     /// Whether another request may follow on the same connection.
     bool keepsConnection() const { return m_keepsConnection && m_buffer.isEmpty(); }
+    /// Neither a length nor chunks tell where the body ends.
+    bool endsWithConnection() const { return m_framing == Framing::untilEnd; }
     int status() const { return m_status; }
     HTTPHeaders takeHeaders() { return std::move(m_headers); }
     QByteArray takeBody() { return std::move(m_body); }

@@ -95,7 +95,7 @@ void NetworkExchange::take(HTTPAnswerParser &answer)
         return;
     }
     m_watcher.disconnect(this);
-    m_promise.addResult(TransportAnswer{answer.takeBody(), response});
+    m_promise.addResult(TransportAnswer{answer.takeBody(), response, answer.endsWithConnection()});
     m_promise.finish();
     deleteLater();
 }

@@ -78,8 +78,10 @@ void failUnknownText(const JSONNode &node, const DecodingPath &path)
 {
     constexpr qsizetype longestShown = 80;
     const std::string_view text = node.text();
-    const QString shown = QString::fromUtf8(text.data(), qsizetype(text.size())).left(longestShown);
-    failDecoding(path, u"unknown value \"%1\""_s.arg(shown));
+    const QString value = QString::fromUtf8(text.data(), qsizetype(text.size()));
+    // A part of a text could be a part of a secret, which nobody would find in it afterwards.
+    failDecoding(path, value.size() <= longestShown ? u"unknown value \"%1\""_s.arg(value)
+                                                    : u"unknown value of %1 characters"_s.arg(value.size()));
 }
 
 void failMissing(std::string_view name, const DecodingPath &path)

@@ -51,7 +51,8 @@ private Q_SLOTS:
     void fallsBackToTheDefaultOrganization()
     {
         const auto configuration = CaldraConfiguration::fromInfoDictionary({{u"CaldraAPIKey"_s, u"key"_s}});
-        QCOMPARE(configuration.organizationId, u"XxXxXxXxXxXxXxXxXxXxXx"_s);
+        QCOMPARE(configuration.organizationId, u"XxXxXxXxXxXxXxXxXxXx"_s);
+        QCOMPARE(configuration.organizationId.size(), 20);
     }
 
     void saysWhatIsMissing()
