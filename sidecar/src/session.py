@@ -113,7 +113,10 @@ class TrainingSession:
             self.board.publish(state="stopping", tokens_per_sec=0.0)
 
     def _set_paths(self, message: SetPaths) -> None:
-        self._folders = LibraryFolders(message.training_data, message.finished_models, message.model_root)
+        folders = LibraryFolders(message.training_data, message.finished_models, message.model_root)
+        if folders == self._folders:
+            return
+        self._folders = folders
         self.outbox.send(self._folders.as_event())
         if self._live:
             self.outbox.log("The new folders take effect with the next run; this one keeps its own.")
