@@ -153,6 +153,14 @@ def test_many_such_steps_in_a_row_end_the_run_and_keep_the_last_checkpoint(libra
     assert [point["step"] for point in library.curve()][:5] == [1, 2, 3, 4, 5]
 
 
+def test_a_full_memory_is_said_with_what_to_lower(sidecar):
+    child = sidecar(module="faulty", environment={"FULL_MEMORY": "1"})
+    child.start(5)
+    assert "“batch_size”" in child.wait_for_state("error")["error"]
+    assert child.quit() == 0
+    assert child.errors == b""
+
+
 def test_a_damaged_checkpoint_is_passed_over_for_the_one_before(library, sidecar):
     library.settings(checkpoint_interval=4)
     child = sidecar()

@@ -1,8 +1,8 @@
 """The training sidecar with faults that a test switches on; run as `python3 -m faulty`.
 
 SIGUSR1 makes every file write beyond a kilobyte fail, SIGUSR2 lets it succeed again. POISONED_STEPS lists gradient
-computations, counted from 1, that come out as not-a-number. HELD_PREPARATION keeps the data preparation busy until
-it is cancelled. BROKEN_MLX makes the import of MLX's core fail.
+computations, counted from 1, that come out as not-a-number. FULL_MEMORY makes the first one fail as MLX does.
+HELD_PREPARATION keeps the data preparation busy until it is cancelled. BROKEN_MLX makes the import of MLX's core fail.
 """
 
 from __future__ import annotations
@@ -41,6 +41,15 @@ def _poison(steps: set[int]) -> None:
     Learner._accumulated = poisoned
 
 
+def _fill_memory() -> None:
+    from src.training.learner import Learner
+
+    def full(self, tokens):
+        raise RuntimeError("[malloc_or_wait] Unable to allocate 4294967296 bytes.")
+
+    Learner._accumulated = full
+
+
 def _hold_preparation() -> None:
     import src.run
     from src.data import PreparationCancelled, PrepProgress
@@ -61,6 +70,8 @@ def main() -> int:
         sys.modules["mlx.core"] = None
     if steps := os.environ.get("POISONED_STEPS"):
         _poison({int(step) for step in steps.split(",")})
+    if os.environ.get("FULL_MEMORY"):
+        _fill_memory()
     if os.environ.get("HELD_PREPARATION"):
         _hold_preparation()
     from src.app_backend import main as run
