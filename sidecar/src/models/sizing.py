@@ -103,8 +103,8 @@ def refuse_impossible(shape: LlamaShape, machine: Machine) -> None:
     if needed > machine.memory:
         raise SettingsError(
             f"A model of {parameters:,} parameters needs at least {needed / (1 << 30):.0f} GiB to train, and this "
-            f"machine has {machine.memory / (1 << 30):.0f} GiB. Lower “hidden_size”, “layers” or “feed_forward_size” in "
-            "training.json."
+            f"machine has {machine.memory / (1 << 30):.0f} GiB. Lower “hidden_size”, “layers” or "
+            "“feed_forward_size” in training.json."
         )
 
 
