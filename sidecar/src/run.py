@@ -2,12 +2,10 @@
 
 from __future__ import annotations
 
-import os
+import math
 import time
 import uuid
-from collections import deque
 from datetime import datetime
-from pathlib import Path
 from typing import Protocol
 
 from src.archive.run_archive import FinishedRun, archive_run
@@ -19,13 +17,14 @@ from src.data import (
     PrepProgress,
     prepare_corpus,
 )
-from src.data.files import KIND_BY_ENDING
+from src.data.files import corpus_bytes
 from src.folders import LibraryFolders
 from src.models.llama import LlamaShape
 from src.models.sizing import Plan, choose_plan, this_machine, vocabulary_size
 from src.settings import SETTINGS, SettingsError, TrainingSettings
-from src.status import RunClock, StatusBoard
-from src.storage import FolderBusy, FolderLock, folder_written_aside, remove_leftovers
+from src.status import RunClock, SpeedMeter, StatusBoard
+from src.storage import FolderBusy, FolderLock, folder_written_aside, reason, remove_leftovers
+from src.training.checkpoint_keeper import CheckpointKeeper
 from src.training.checkpoints import Checkpoint, CheckpointError, CheckpointStore, RunState
 from src.training.curve import LossCurve
 from src.training.learner import Learner, StepResult
@@ -35,8 +34,6 @@ from src.training.validation import probe_batch, validation_batches
 from src.wire.commands import TrainingProfile
 from src.wire.outbox import Outbox
 
-LONGEST_CHECKPOINT_INTERVAL_S = 300.0
-SPEED_WINDOW_S = 5.0
 MOST_SKIPPED_IN_A_ROW = 5
 
 
@@ -80,15 +77,14 @@ class PretrainRun:
         self._profile = session.profile
         self._lock = FolderLock(folders.model_root)
         self._checkpoints = CheckpointStore(folders.checkpoints)
-        self._clock = RunClock()
+        self._keeper = CheckpointKeeper(self._checkpoints, session.outbox)
+        self._clock = self._board.clock = RunClock()
         self._step = 0
         self._tokens_seen = 0
         self._skipped = 0
         self._skipped_in_a_row = 0
         self._validation_loss: float | None = None
-        self._saved_step = -1
-        self._saved_at = 0.0
-        self._durations: deque[tuple[float, int]] = deque()
+        self._speed = SpeedMeter()
 
     def execute(self) -> bool:
         """True when the run was archived, False when it was stopped."""
@@ -119,7 +115,7 @@ class PretrainRun:
         except FolderBusy as busy:
             raise RunRefused(f"The working folder {root} is in use by another training ({busy}).") from None
         except OSError as error:
-            raise RunRefused(f"The working folder {root} cannot be used ({error.strerror}).") from error
+            raise RunRefused(f"The working folder {root} cannot be used ({reason(error)}).") from error
         try:
             self._checkpoints.prepare()
             library.mkdir(parents=True, exist_ok=True)
@@ -129,7 +125,7 @@ class PretrainRun:
         except OSError as error:
             self._lock.release()
             place = error.filename or library
-            raise RunRefused(f"The folder {place} cannot be written ({error.strerror}).") from error
+            raise RunRefused(f"The folder {place} cannot be written ({reason(error)}).") from error
 
     def _load_checkpoint(self) -> Checkpoint:
         try:
@@ -149,7 +145,7 @@ class PretrainRun:
         self._settings = self._settings.with_values(kept)
         self._step, self._tokens_seen = state.step, state.tokens_seen
         self._skipped, self._validation_loss = state.skipped_steps, state.validation_loss
-        self._clock = RunClock(state.elapsed_s)
+        self._clock = self._board.clock = RunClock(state.elapsed_s)
         self._board.publish(
             step=state.step, loss=checkpoint.curve.last_loss, elapsed_s=state.elapsed_s, val_loss=state.validation_loss
         )
@@ -174,7 +170,7 @@ class PretrainRun:
             raise RunFailed(str(error)) from error
         except OSError as error:
             place = f" ({error.filename})" if error.filename else ""
-            raise RunFailed(f"The training data could not be prepared: {error.strerror or error}{place}.") from error
+            raise RunFailed(f"The training data could not be prepared: {reason(error)}{place}.") from error
         if self._session.stop_requested:
             raise PreparationCancelled
         if checkpoint is not None and checkpoint.state.corpus["fingerprint"] != corpus.fingerprint:
@@ -240,7 +236,7 @@ class PretrainRun:
         try:
             return path.read_bytes()
         except OSError as error:
-            raise RunFailed(f"The tokenizer {path} cannot be read ({error.strerror}).") from error
+            raise RunFailed(f"The tokenizer {path} cannot be read ({reason(error)}).") from error
 
     def _choose_plan(self, checkpoint: Checkpoint | None) -> Plan:
         machine = this_machine()
@@ -269,7 +265,7 @@ class PretrainRun:
         if not self._rate_was_edited(checkpoint):
             wanted = stored
         self._schedule = wanted.with_max_steps(self._session.max_steps, self._step)
-        self._saved_step, self._saved_at = self._step, time.monotonic()
+        self._keeper.resume(state)
         self._outbox.log(f"Resuming from step {self._step:,} of {checkpoint.path}.")
 
     def _rate_was_edited(self, checkpoint: Checkpoint) -> bool:
@@ -277,15 +273,11 @@ class PretrainRun:
         return any(self._settings[key] != checkpoint.state.settings[key] for key in keys)
 
     def _begin_checkpoints(self) -> None:
-        """A checkpoint before the first step, so that a run can be resumed however early it ends."""
         try:
-            step = self._checkpoints.set_aside_previous_run()
+            begun = self._keeper.begin(self._state(), self._curve, self._learner)
         except OSError as error:
-            raise RunFailed(f"{self._folders.checkpoints} cannot be written ({error.strerror}).") from error
-        if step is not None:
-            kept = self._folders.checkpoints / "previous-run"
-            self._outbox.log(f"The last checkpoint of the earlier run (step {step:,}) was kept as {kept}.")
-        if not self._save_checkpoint():
+            raise RunFailed(f"{self._folders.checkpoints} cannot be written ({reason(error)}).") from error
+        if not begun:
             raise RunFailed("The first checkpoint could not be written, so the run was not begun.")
 
     def _train(self) -> None:
@@ -310,7 +302,7 @@ class PretrainRun:
 
     def _sit_out_pause(self) -> None:
         self._clock.halt()
-        self._durations.clear()
+        self._speed.clear()
         self._board.publish(state="paused", elapsed_s=self._clock.elapsed_s, tokens_per_sec=0.0)
         while self._session.paused and not self._session.stop_requested and self._step < self._session.max_steps:
             self._session.wait()
@@ -337,7 +329,7 @@ class PretrainRun:
             loss=result.loss,
             lr=rate,
             grad_norm=result.gradient_norm,
-            tokens_per_sec=self._speed(time.perf_counter() - began),
+            tokens_per_sec=self._speed.after_step(time.perf_counter() - began, self._plan.tokens_per_step),
             elapsed_s=self._clock.elapsed_s,
             val_loss=self._validation_loss,
         )
@@ -350,16 +342,8 @@ class PretrainRun:
         if self._skipped_in_a_row >= MOST_SKIPPED_IN_A_ROW:
             raise RunFailed(
                 f"{MOST_SKIPPED_IN_A_ROW} steps in a row had no finite loss or gradient. The last good checkpoint, of "
-                f"step {self._saved_step:,}, was kept; lower “learning_rate” in training.json and resume."
+                f"step {self._keeper.saved_step:,}, was kept; lower “learning_rate” in training.json and resume."
             )
-
-    def _speed(self, duration: float) -> float:
-        """Tokens per second over the last seconds of steps, without validation and checkpoints in between."""
-        self._durations.append((duration, self._plan.tokens_per_step))
-        total = sum(seconds for seconds, _ in self._durations)
-        while len(self._durations) > 1 and (total > SPEED_WINDOW_S or len(self._durations) > 50):
-            total -= self._durations.popleft()[0]
-        return sum(tokens for _, tokens in self._durations) / total if total > 0 else 0.0
 
     def _do_periodic_work(self) -> None:
         at_end = self._step >= self._session.max_steps
@@ -367,18 +351,25 @@ class PretrainRun:
             self._evaluate()
         if self._step % self._settings["snapshot_interval"] == 0:
             self._send_snapshot(final=False)
-        due = self._step % self._settings["checkpoint_interval"] == 0
-        if (due or time.monotonic() - self._saved_at > LONGEST_CHECKPOINT_INTERVAL_S) and not at_end:
-            self._save_checkpoint()
+        if self._keeper.is_due(self._step, self._settings["checkpoint_interval"]) and not at_end:
+            self._keeper.save_in_passing(self._state(), self._curve, self._learner)
 
     def _evaluate(self) -> None:
-        if not self._validation:
+        self._measure_validation_loss()
+        if self._validation_loss is None:
             return
-        self._validation_loss = self._learner.validation_loss(self._validation)
         self._outbox.log(
             f"Step {self._step:,}: loss {self._curve.last_loss:.4f}, validation loss {self._validation_loss:.4f}"
         )
         self._board.publish(val_loss=self._validation_loss, elapsed_s=self._clock.elapsed_s)
+
+    def _measure_validation_loss(self) -> None:
+        """None without validation data, and where the loss is not finite: neither wire nor file has a word for it."""
+        loss = self._learner.validation_loss(self._validation) if self._validation else None
+        if loss is not None and not math.isfinite(loss):
+            self._outbox.log(f"Step {self._step:,}: the validation loss was not finite.", "WARNING")
+            loss = None
+        self._validation_loss = loss
 
     def _send_snapshot(self, final: bool) -> dict:
         activations = self._learner.activations(self._probe)
@@ -387,19 +378,9 @@ class PretrainRun:
         return taken
 
     def _save_checkpoint(self) -> bool:
-        """False, with an error event, when it could not be written; the earlier checkpoints are then intact."""
-        self._saved_at = time.monotonic()
-        try:
-            self._checkpoints.save(self._state(), self._curve, self._learner.weights, self._learner.optimizer_arrays())
-        except OSError as error:
-            kept = f"; the one of step {self._saved_step:,} is intact" if self._saved_step >= 0 else ""
-            self._outbox.error(
-                f"The checkpoint of step {self._step:,} could not be written to {self._folders.checkpoints} "
-                f"({error.strerror}){kept}."
-            )
-            return False
-        self._saved_step = self._step
-        return True
+        if self._keeper.saved_step == self._step:
+            return True
+        return self._keeper.save(self._state(), self._curve, self._learner)
 
     def _state(self) -> RunState:
         corpus = self._corpus
@@ -423,20 +404,18 @@ class PretrainRun:
     def _leave(self) -> None:
         self._clock.halt()
         self._board.publish(state="stopping", elapsed_s=self._clock.elapsed_s, tokens_per_sec=0.0)
-        if self._saved_step == self._step or self._save_checkpoint():
+        if self._save_checkpoint():
             self._outbox.log(
                 f"Stopped at step {self._step:,}; a checkpoint was saved. Choose “Resume from latest checkpoint” "
                 "to go on from there."
             )
 
     def _finish(self) -> None:
-        if self._validation:
-            self._validation_loss = self._learner.validation_loss(self._validation)
+        self._measure_validation_loss()
         final = self._send_snapshot(final=True)
         self._clock.halt()
         self._board.publish(elapsed_s=self._clock.elapsed_s, val_loss=self._validation_loss, tokens_per_sec=0.0)
-        if self._saved_step != self._step:
-            self._save_checkpoint()
+        self._save_checkpoint()
         self._report_result()
         self._archive(final)
 
@@ -473,9 +452,11 @@ class PretrainRun:
         try:
             folder = archive_run(run, self._folders.finished_models, datetime.now().astimezone())
         except OSError as error:
+            again = "to archive it" if self._keeper.saved_step == self._step else "to go on from there"
             raise RunFailed(
-                f"The finished model could not be archived in {self._folders.finished_models} ({error.strerror}). "
-                "Make room or choose another folder, then choose “Resume from latest checkpoint” to archive it."
+                f"The finished model could not be archived in {self._folders.finished_models} ({reason(error)}). The "
+                f"latest checkpoint is of step {self._keeper.saved_step:,}. Make room or choose another folder, then "
+                f"choose “Resume from latest checkpoint” {again}."
             ) from error
         self._outbox.send(
             {
@@ -487,17 +468,3 @@ class PretrainRun:
                 "elapsed": self._clock.elapsed_s,
             }
         )
-
-
-def corpus_bytes(folder: Path) -> int:
-    """The size of the texts in a folder as they lie on disk; only a first guess, before they are read."""
-    total = 0
-    for place, folders, files in os.walk(folder):
-        folders[:] = [name for name in folders if not name.startswith(".")]
-        for name in files:
-            if Path(name).suffix.lower() in KIND_BY_ENDING:
-                try:
-                    total += os.stat(os.path.join(place, name)).st_size
-                except OSError:
-                    continue
-    return total

@@ -6,6 +6,7 @@ import sys
 import traceback
 
 from src.folders import LibraryFolders
+from src.memory import OUT_OF_MEMORY, is_out_of_memory
 from src.run import PretrainRun, RunFailed, RunRefused
 from src.settings import DEFAULTS, SettingsError, load_settings
 from src.status import LIVE_STATES, StatusBoard
@@ -113,7 +114,10 @@ class TrainingSession:
             self.board.publish(state="stopping", tokens_per_sec=0.0)
 
     def _set_paths(self, message: SetPaths) -> None:
-        self._folders = LibraryFolders(message.training_data, message.finished_models, message.model_root)
+        folders = LibraryFolders(message.training_data, message.finished_models, message.model_root)
+        if folders == self._folders:
+            return
+        self._folders = folders
         self.outbox.send(self._folders.as_event())
         if self._live:
             self.outbox.log("The new folders take effect with the next run; this one keeps its own.")
@@ -162,9 +166,10 @@ class TrainingSession:
             self._refuse(str(refusal))
         except RunFailed as failure:
             self._fail(str(failure))
-        except MemoryError:
-            self._fail("There is not enough memory for this model; lower “batch_size” in training.json.")
         except Exception as error:
+            if is_out_of_memory(error):
+                self._fail(OUT_OF_MEMORY)
+                return
             traceback.print_exc(file=sys.stderr)
             self._fail(f"The training failed unexpectedly: {type(error).__name__}: {error}")
         else:

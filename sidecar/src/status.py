@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import threading
 import time
+from collections import deque
 from collections.abc import Callable
 from dataclasses import dataclass, replace
 
@@ -11,6 +12,7 @@ from src.wire.outbox import Outbox
 
 LIVE_STATES = frozenset({"starting", "preparing", "running", "paused", "stopping"})
 REPEAT_AFTER_S = 0.9
+SPEED_WINDOW_S = 5.0
 
 
 @dataclass(frozen=True)
@@ -36,31 +38,49 @@ class Status:
 
 
 class RunClock:
-    """Seconds spent training: stands still while preparing and while paused, and survives a resume."""
+    """Seconds spent training: stands still while preparing and while paused, and survives a resume. Any thread may
+    read it."""
 
     def __init__(self, elapsed_s: float = 0.0) -> None:
-        self._elapsed_s = elapsed_s
-        self._since: float | None = None
+        self._reading: tuple[float, float | None] = (elapsed_s, None)
 
     def go(self) -> None:
-        if self._since is None:
-            self._since = time.monotonic()
+        elapsed_s, since = self._reading
+        if since is None:
+            self._reading = (elapsed_s, time.monotonic())
 
     def halt(self) -> None:
-        self._elapsed_s = self.elapsed_s
-        self._since = None
+        self._reading = (self.elapsed_s, None)
 
     @property
     def elapsed_s(self) -> float:
-        since = self._since
-        return self._elapsed_s + (time.monotonic() - since if since is not None else 0.0)
+        elapsed_s, since = self._reading
+        return elapsed_s + (time.monotonic() - since if since is not None else 0.0)
+
+
+class SpeedMeter:
+    """Tokens per second over the last seconds of steps, without validation and checkpoints in between."""
+
+    def __init__(self) -> None:
+        self._steps: deque[tuple[float, int]] = deque()
+
+    def clear(self) -> None:
+        self._steps.clear()
+
+    def after_step(self, duration_s: float, tokens: int) -> float:
+        self._steps.append((duration_s, tokens))
+        total = sum(seconds for seconds, _ in self._steps)
+        while len(self._steps) > 1 and (total > SPEED_WINDOW_S or len(self._steps) > 50):
+            total -= self._steps.popleft()[0]
+        return sum(tokens for _, tokens in self._steps) / total if total > 0 else 0.0
 
 
 class StatusBoard:
     """Sends what the main thread publishes, and sends it again, with the time moved on, when a long operation
-    keeps the main thread from publishing."""
+    keeps the main thread from publishing. `clock` is the one of the run under way."""
 
     def __init__(self, outbox: Outbox) -> None:
+        self.clock = RunClock()
         self._outbox = outbox
         self._changed = threading.Condition()
         self._status = Status()
@@ -103,7 +123,7 @@ class StatusBoard:
     def _move_on(self, passed: float) -> None:
         status = self._status
         if status.state in ("running", "stopping"):
-            self._status = replace(status, elapsed_s=status.elapsed_s + passed)
+            self._status = replace(status, elapsed_s=self.clock.elapsed_s)
         elif status.state == "preparing":
             self._status = replace(
                 status,

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import contextlib
+import errno
 import fcntl
 import json
 import os
@@ -17,27 +18,35 @@ _LEFTOVER = re.compile(r"\..+\.(\d{1,9})\.partial")
 
 @contextlib.contextmanager
 def folder_written_aside(parent: Path, name: str) -> Iterator[Path]:
-    """Yields a hidden folder beside `parent / name`; the caller fills it and calls `publish`.
+    """Yields a folder inside a hidden one beside `parent / name`; the caller fills it and calls `publish`.
 
+    It lies one level deeper than a run, because the application counts hidden folders with a manifest as well.
     Whatever is still there when the block ends, by an error or without publishing, is removed.
     """
-    aside = parent / f".{name}.{os.getpid()}{LEFTOVER_MARK}"
-    shutil.rmtree(aside, ignore_errors=True)
-    aside.mkdir()
+    hidden = parent / f".{name}.{os.getpid()}{LEFTOVER_MARK}"
+    shutil.rmtree(hidden, ignore_errors=True)
+    aside = hidden / name
+    hidden.mkdir()
     try:
+        aside.mkdir()
         yield aside
     finally:
-        shutil.rmtree(aside, ignore_errors=True)
+        shutil.rmtree(hidden, ignore_errors=True)
 
 
 def publish(aside: Path, target: Path) -> None:
-    """Makes the finished folder durable and moves it to its name, which must not exist yet."""
+    """Makes the finished folder durable and moves it to its name; raises FileExistsError where that is taken."""
     for file in aside.iterdir():
         _sync(file)
     _sync(aside)
-    if target.exists():
-        raise FileExistsError(17, "File exists", str(target))
-    os.rename(aside, target)
+    if os.path.lexists(target):
+        raise FileExistsError(errno.EEXIST, "File exists", str(target))
+    try:
+        os.rename(aside, target)
+    except OSError as error:
+        if error.errno != errno.ENOTEMPTY:
+            raise
+        raise FileExistsError(errno.EEXIST, "File exists", str(target)) from error
     with contextlib.suppress(OSError):
         _sync(target.parent)
 
@@ -76,6 +85,11 @@ def _sync(path: Path) -> None:
         os.fsync(descriptor)
     finally:
         os.close(descriptor)
+
+
+def reason(error: OSError) -> str:
+    """What went wrong in a few words; some libraries raise an OSError that has nothing but a text."""
+    return error.strerror or str(error) or type(error).__name__
 
 
 class FolderBusy(Exception):

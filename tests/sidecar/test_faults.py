@@ -71,6 +71,55 @@ def test_a_full_disk_costs_a_checkpoint_but_neither_the_run_nor_the_one_before(l
     assert again.train(1, resume=True)["step"] >= 20
 
 
+def test_a_disk_that_stays_full_is_told_once_and_again_when_there_is_room(library, sidecar):
+    library.settings(checkpoint_interval=5)
+    child = sidecar(module="faulty")
+    child.start(ENDLESS)
+    child.wait_for_step(10)
+    child.process.send_signal(signal.SIGUSR1)
+    child.wait_for_kind("error")
+    failed_at = max(event.get("step", 0) for event in child.events if event["event"] == "status")
+    child.wait_for_step(failed_at + 100)
+    assert len(child.messages()) == 1
+    child.process.send_signal(signal.SIGUSR2)
+    child.wait_for(lambda event: event["event"] == "log" and "written again" in event["msg"])
+    child.process.send_signal(signal.SIGUSR1)
+    child.wait_for_kind("error")
+    child.send("stop")
+    child.wait_for_state("idle")
+    assert len(child.messages()) == 3
+
+
+def test_a_run_that_cannot_begin_leaves_the_one_before_to_be_resumed(library, sidecar):
+    child = sidecar(module="faulty")
+    child.train(6)
+    child.process.send_signal(signal.SIGUSR1)
+    child.start(20)
+    assert "was not begun" in child.wait_for_state("error")["error"]
+    child.process.send_signal(signal.SIGUSR2)
+    assert child.train(8, resume=True)["step"] == 8
+    assert [point["step"] for point in library.curve()] == list(range(1, 9))
+
+
+def test_a_start_that_was_killed_before_it_put_the_run_before_aside_does_so_when_resumed(library, sidecar):
+    child = sidecar()
+    child.train(6)
+    child.train(3)
+    folder = library.model / "checkpoints"
+    (folder / "previous-run").rename(folder / "checkpoint-00000001")
+    child.train(4, resume=True)
+    assert json.loads((folder / "previous-run" / "state.json").read_text())["step"] == 6
+
+
+def test_a_validation_loss_that_is_not_finite_costs_neither_checkpoint_nor_archive(library, sidecar):
+    library.settings(evaluation_interval=2, checkpoint_interval=3)
+    child = sidecar(module="faulty", environment={"INFINITE_VALIDATION": "1"})
+    child.train(8)
+    assert "val_loss" not in json.loads((library.runs()[0] / "manifest.json").read_text())
+    assert all("val_loss" not in event for event in child.events)
+    assert child.messages() == []
+
+
 def test_an_archive_that_finds_the_disk_full_is_not_half_there_and_can_be_resumed(library, sidecar):
     child = sidecar(module="faulty")
     child.start(ENDLESS)
@@ -151,6 +200,14 @@ def test_many_such_steps_in_a_row_end_the_run_and_keep_the_last_checkpoint(libra
     again = sidecar()
     again.train(20, resume=True)
     assert [point["step"] for point in library.curve()][:5] == [1, 2, 3, 4, 5]
+
+
+def test_a_full_memory_is_said_with_what_to_lower(sidecar):
+    child = sidecar(module="faulty", environment={"FULL_MEMORY": "1"})
+    child.start(5)
+    assert "“batch_size”" in child.wait_for_state("error")["error"]
+    assert child.quit() == 0
+    assert child.errors == b""
 
 
 def test_a_damaged_checkpoint_is_passed_over_for_the_one_before(library, sidecar):

@@ -232,6 +232,19 @@ def test_paths_set_during_a_run_count_from_the_next_run_on(library, sidecar, tmp
     assert child.train(2)["path"].startswith(str(tmp_path / "new"))
 
 
+def test_the_folders_are_told_again_only_when_one_has_changed(library, sidecar, tmp_path):
+    child = sidecar()
+    child.wait_for_kind("paths")
+    same = {
+        "training_data": str(library.data),
+        "finished_models": str(library.finished),
+        "model_root": str(library.model),
+    }
+    child.send("set_paths", **same)
+    child.send("set_paths", **same | {"finished_models": str(tmp_path / "new")})
+    assert child.wait_for_kind("paths")["finished_models"] == str(tmp_path / "new")
+
+
 def test_the_identity_counts_until_the_run_is_finished(library, sidecar):
     child = sidecar()
     child.start(ENDLESS, model_identity={"name": "first", "author": "A"})

@@ -13,6 +13,7 @@ import numpy as np
 import pytest
 from support.child import TINY_SETTINGS
 
+from src.memory import is_out_of_memory
 from src.models.sizing import Machine, Plan, choose_plan, memory_needed, vocabulary_size
 from src.settings import (
     DEFAULTS,
@@ -227,3 +228,23 @@ def test_vocabulary_grows_with_the_text():
 def test_sizes_that_contradict_each_other_are_refused_by_name(values):
     with pytest.raises(SettingsError, match="heads"):
         choose_plan(settings(**values), 300, 5000, Machine(False, 1 << 33, 2))
+
+
+def test_a_model_that_cannot_fit_the_machine_is_refused_with_what_to_lower():
+    with pytest.raises(SettingsError, match="“hidden_size”"):
+        choose_plan(settings(hidden_size=16_384, layers=128, heads=128), 300, 5000, Machine(False, 1 << 33, 2))
+
+
+@pytest.mark.parametrize(
+    ("error", "full"),
+    [
+        (MemoryError(), True),
+        (RuntimeError("[metal::malloc] Attempting to allocate 9 bytes which is greater than the maximum"), True),
+        (RuntimeError("[malloc_or_wait] Unable to allocate 9 bytes."), True),
+        (RuntimeError("[METAL] Command buffer execution failed: Insufficient Memory"), True),
+        (RuntimeError("[matmul] Last dimension of first input"), False),
+        (ValueError("unable to allocate"), False),
+    ],
+)
+def test_a_full_memory_is_told_from_other_errors(error, full):
+    assert is_out_of_memory(error) == full

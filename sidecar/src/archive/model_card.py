@@ -91,7 +91,7 @@ def model_card(manifest: dict) -> str:
         max_steps=manifest["max_steps"],
         tokens_seen=manifest["tokens_seen"],
         final_loss=f"{manifest['final_loss']:.4f}",
-        val_loss="none (the corpus was too small)" if validation is None else f"{validation:.4f}",
+        val_loss="not measured" if validation is None else f"{validation:.4f}",
         unigram=f"{dataset['unigram_loss']:.4f}",
         elapsed=_duration(manifest["elapsed_seconds"]),
         dataset=_dataset(dataset),

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import errno
 from dataclasses import dataclass
 from datetime import datetime, timezone
 from pathlib import Path
@@ -63,7 +64,7 @@ def archive_run(run: FinishedRun, library: Path, finished_at: datetime) -> Path:
             except FileExistsError:
                 continue
             return target
-    raise FileExistsError(17, "Every name for this moment is taken", str(library / name))
+    raise FileExistsError(errno.EEXIST, "Every name for this moment is taken", str(library / name))
 
 
 def _write_files(run: FinishedRun, folder: Path, finished_at: datetime) -> None:

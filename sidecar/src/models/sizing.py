@@ -11,6 +11,7 @@ from src.models.llama import LlamaShape
 from src.settings import SettingsError, TrainingSettings
 
 FALLBACK_MEMORY = 8 << 30
+SMALLEST_BYTES_PER_PARAMETER = 4 * 4
 BYTES_PER_PARAMETER = 4 * 5
 ACTIVATIONS_PER_BLOCK = 24
 
@@ -90,7 +91,21 @@ def choose_plan(settings: TrainingSettings, vocab_size: int, tokens: int, machin
         candidate = _plan(settings, vocab_size, tokens, size)
         if tokens >= size[0] and memory_needed(candidate) <= machine.memory // 2:
             plan = candidate
+    refuse_impossible(plan.shape, machine)
     return plan
+
+
+def refuse_impossible(shape: LlamaShape, machine: Machine) -> None:
+    """Raises SettingsError where weights, gradients and optimizer alone exceed the memory: MLX would not report
+    that on every system but end the process."""
+    parameters = shape.parameter_count()
+    needed = SMALLEST_BYTES_PER_PARAMETER * parameters
+    if needed > machine.memory:
+        raise SettingsError(
+            f"A model of {parameters:,} parameters needs at least {needed / (1 << 30):.0f} GiB to train, and this "
+            f"machine has {machine.memory / (1 << 30):.0f} GiB. Lower “hidden_size”, “layers” or "
+            "“feed_forward_size” in training.json."
+        )
 
 
 def memory_needed(plan: Plan) -> int:

@@ -97,21 +97,20 @@ class CheckpointStore:
         reason = " ".join(complaints) or f"There is no checkpoint in {self.folder}."
         raise CheckpointError(reason)
 
-    def set_aside_previous_run(self) -> int | None:
-        """Keeps the newest checkpoint of the run before this one apart; returns its step."""
-        entries = self._entries()
-        if not entries:
+    def set_aside_earlier_runs(self, run_id: str) -> int | None:
+        """Keeps the newest checkpoint of the run before this one apart; returns its step, or None without one."""
+        runs = [(path, *_identity(path)) for _, path in self._entries()]
+        own = [index for index, (_, run, _) in enumerate(runs) if run == run_id]
+        earlier = [(path, step) for path, run, step in runs[: own[-1] if own else 0] if run not in (None, run_id)]
+        if not earlier:
             return None
-        newest = entries[-1][1]
+        newest, step = earlier.pop()
         kept = self.folder / PREVIOUS_RUN
         shutil.rmtree(kept, ignore_errors=True)
         os.rename(newest, kept)
-        for _, old in entries[:-1]:
+        for old, _ in earlier:
             shutil.rmtree(old, ignore_errors=True)
-        try:
-            return int(json.loads((kept / "state.json").read_text(encoding="utf-8"))["step"])
-        except (OSError, ValueError, KeyError, TypeError):
-            return None
+        return step
 
     def _entries(self) -> list[tuple[int, Path]]:
         try:
@@ -132,3 +131,12 @@ class CheckpointStore:
         optimizer = mx.load(str(path / "optimizer.safetensors"))
         mx.eval(weights, optimizer)
         return Checkpoint(path, state, LossCurve.load(path / "loss_curve.npz"), weights, optimizer)
+
+
+def _identity(path: Path) -> tuple[str | None, int]:
+    """Run and step of a checkpoint, (None, 0) if they cannot be read."""
+    try:
+        state = json.loads((path / "state.json").read_text(encoding="utf-8"))
+        return str(state["run_id"]), int(state["step"])
+    except (OSError, ValueError, KeyError, TypeError):
+        return None, 0

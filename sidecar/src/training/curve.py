@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import io
 import json
 from array import array
 from pathlib import Path
@@ -30,8 +31,9 @@ class LossCurve:
         self._losses.append(loss)
 
     def save(self, path: Path) -> None:
-        with path.open("wb") as file:
-            np.savez(file, step=np.array(self._steps, dtype=np.int64), loss=np.array(self._losses, dtype=np.float64))
+        packed = io.BytesIO()  # a zip file that meets a full disk raises more than OSError
+        np.savez(packed, step=np.array(self._steps, dtype=np.int64), loss=np.array(self._losses, dtype=np.float64))
+        path.write_bytes(packed.getbuffer())
 
     @classmethod
     def load(cls, path: Path) -> LossCurve:

@@ -1,8 +1,9 @@
 """The training sidecar with faults that a test switches on; run as `python3 -m faulty`.
 
 SIGUSR1 makes every file write beyond a kilobyte fail, SIGUSR2 lets it succeed again. POISONED_STEPS lists gradient
-computations, counted from 1, that come out as not-a-number. HELD_PREPARATION keeps the data preparation busy until
-it is cancelled. BROKEN_MLX makes the import of MLX's core fail.
+computations, counted from 1, that come out as not-a-number. FULL_MEMORY makes the first one fail as MLX does.
+INFINITE_VALIDATION makes every validation loss infinite.
+HELD_PREPARATION keeps the data preparation busy until it is cancelled. BROKEN_MLX makes the import of MLX's core fail.
 """
 
 from __future__ import annotations
@@ -11,7 +12,6 @@ import os
 import resource
 import signal
 import sys
-import time
 
 SMALL_FILE = 1024
 
@@ -41,14 +41,30 @@ def _poison(steps: set[int]) -> None:
     Learner._accumulated = poisoned
 
 
+def _fill_memory() -> None:
+    from src.training.learner import Learner
+
+    def full(self, tokens):
+        raise RuntimeError("[malloc_or_wait] Unable to allocate 4294967296 bytes.")
+
+    Learner._accumulated = full
+
+
+def _spoil_validation() -> None:
+    from src.training.learner import Learner
+
+    Learner.validation_loss = lambda self, batches: float("inf")
+
+
 def _hold_preparation() -> None:
     import src.run
     from src.data import PreparationCancelled, PrepProgress
 
     def prepare(data_root, cache_root, *, report, cancelled, **_):
+        session = cancelled.__self__._session
         while not cancelled():
             report(PrepProgress(0.25, "held", 1.0, 3.0))
-            time.sleep(0.01)
+            session.wait()
         raise PreparationCancelled
 
     src.run.prepare_corpus = prepare
@@ -61,6 +77,10 @@ def main() -> int:
         sys.modules["mlx.core"] = None
     if steps := os.environ.get("POISONED_STEPS"):
         _poison({int(step) for step in steps.split(",")})
+    if os.environ.get("FULL_MEMORY"):
+        _fill_memory()
+    if os.environ.get("INFINITE_VALIDATION"):
+        _spoil_validation()
     if os.environ.get("HELD_PREPARATION"):
         _hold_preparation()
     from src.app_backend import main as run
