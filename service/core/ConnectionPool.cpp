@@ -1,5 +1,7 @@
 #include "service/core/ConnectionPool.h"
 
+#include <utility>
+
 namespace caldra {
 
 namespace {
@@ -62,6 +64,12 @@ void ConnectionPool::drop(HTTPConnection &connection)
     connection.abandon();
     connection.deleteLater();
     serveWaiting(connection.origin());
+}
+
+void ConnectionPool::dropResting(const Origin &origin)
+{
+    for (HTTPConnection *connection : std::exchange(m_origins[origin].resting, {}))
+        drop(*connection);
 }
 
 } // namespace caldra

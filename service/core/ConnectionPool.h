@@ -28,6 +28,8 @@ public:
     void giveBack(HTTPConnection &connection);
     /// Ends a connection in whatever state it is.
     void drop(HTTPConnection &connection);
+    /// Ends what rests for `origin`: when one of them was found dead, so are the others likely to be.
+    void dropResting(const Origin &origin);
 
 private:
     struct Waiting

@@ -83,7 +83,7 @@ public:
     {
         const HTTPResponse &response = *answer.response;
         const auto location = response.header("Location");
-        if (response.status / 100 != 3 || !location)
+        if (response.status / 100 != 3 || !location || location->isEmpty())
             throw CaldraError(CaldraError::UnexpectedStatus{response.status, answer.body});
         const QUrl url = response.url.resolved(QUrl::fromEncoded(*location));
         const bool isDowngrade = response.url.scheme() == "https"_L1 && url.scheme() != "https"_L1;

@@ -70,6 +70,7 @@ void NetworkExchange::sendOver(HTTPConnection &connection)
     const auto failed = [this](const HTTPConnection::Failure &failure) {
         if (failure.isStale && !m_hasRetried && mayRepeat(m_request)) {
             m_hasRetried = true;
+            m_pool.dropResting(Origin::of(m_request.url));
             m_pool.drop(*std::exchange(m_connection, nullptr));
             sendOnce();
         } else {

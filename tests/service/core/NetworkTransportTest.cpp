@@ -190,6 +190,20 @@ private Q_SLOTS:
         QCOMPARE(server.requests().size(), 4u);
     }
 
+    void leavesAllClosedConnectionsAtOnce()
+    {
+        // As after a sleep: every connection that rests is dead, and none has noticed.
+        LoopbackServer server([connections = std::set<int>()](const ReceivedRequest &request) mutable {
+            const bool isFirst = connections.insert(request.connection).second;
+            return isFirst ? Answer::json(goodHealth) : Answer::dropped();
+        });
+        const HTTPClient client = clientOf(server);
+        const QList<QFuture<HealthResponse>> together{health(client), health(client), health(client)};
+        for (const QFuture<HealthResponse> &call : together)
+            resultOf(call);
+        QCOMPARE(resultOf(health(client)).service, u"s"_s);
+    }
+
     void keepsTheFramingToItself()
     {
         LoopbackServer server(always(Answer::json(goodHealth)));
@@ -359,6 +373,8 @@ private Q_SLOTS:
                 return Answer::redirect("https://files.example/a%20b.zip?token=%2B");
             if (request.target == "/relative")
                 return Answer::redirect("../file.zip", 307);
+            if (request.target == "/nowhere")
+                return Answer::redirect("");
             return request.target == "/error" ? Answer::json(R"({"error":{"message":"m"}})", 404)
                                               : Answer::json(goodHealth);
         });
@@ -367,11 +383,12 @@ private Q_SLOTS:
                  "https://files.example/a%20b.zip?token=%2B");
         QCOMPARE(resultOf(client.location(u"/relative"_s)), server.url(u"/file.zip"_s));
         QVERIFY(errorOf(client.location(u"/error"_s))->api());
+        QVERIFY(errorOf(client.location(u"/nowhere"_s))->unexpectedStatus());
         const auto error = errorOf(client.location(u"/plain"_s));
         QVERIFY(error->unexpectedStatus());
         QCOMPARE(error->unexpectedStatus()->status, 200);
         QCOMPARE(error->unexpectedStatus()->body, goodHealth);
-        QCOMPARE(server.requests().size(), 4u);
+        QCOMPARE(server.requests().size(), 5u);
     }
 
     void keepsNoCookies()
