@@ -151,9 +151,9 @@ QFuture<QUrl> HTTPClient::location(const QString &path, const QueryItems &query)
     return call->typedFuture();
 }
 
-void HTTPClient::run(HTTPRequest request, std::shared_ptr<PendingCall> call) const
+void HTTPClient::run(HTTPRequest request, const std::shared_ptr<PendingCall> &call) const
 {
-    CallRunner::start(transport, std::move(request), std::move(call), configuration.apiKey);
+    CallRunner::start(transport, std::move(request), call, configuration.apiKey);
 }
 
 } // namespace caldra

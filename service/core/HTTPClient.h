@@ -50,7 +50,7 @@ public:
                             std::optional<QByteArray> body) const;
 
 private:
-    void run(HTTPRequest request, std::shared_ptr<PendingCall> call) const;
+    void run(HTTPRequest request, const std::shared_ptr<PendingCall> &call) const;
 };
 
 /// An identifier as one percent-encoded path segment, whatever it holds.
