@@ -3,6 +3,9 @@
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_STANDARD 20)
+set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+set(CMAKE_OBJCXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
@@ -20,11 +23,18 @@ if(ZOREL_SANITIZE)
   add_link_options(-fsanitize=${ZOREL_SANITIZE})
 endif()
 
+# The tests are many executables over the same libraries: mold links one in a tenth of the time of GNU ld.
+find_program(ZOREL_MOLD mold)
+if(ZOREL_MOLD AND NOT APPLE)
+  add_link_options(-fuse-ld=mold)
+endif()
+
 find_program(ZOREL_CCACHE ccache)
 if(ZOREL_CCACHE)
-  # Precompiled headers carry a time stamp that ccache must be told to overlook.
+  # Precompiled headers carry a time stamp that ccache must be told to overlook; paths are taken relative to the
+  # checkout, so that a second clone finds what the first one compiled.
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
-                                  ${ZOREL_CCACHE})
+                                  CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${ZOREL_CCACHE})
   if(CMAKE_CXX_COMPILER_ID MATCHES "GNU")
     add_compile_options(-fpch-preprocess)
   endif()

@@ -18,8 +18,9 @@ namespace {
 
 void require(bool condition)
 {
-    if (!condition)
+    if (!condition) {
         std::abort();
+    }
 }
 
 /// The line with other bytes behind it, which must not matter.
@@ -44,27 +45,32 @@ Verdict verdictOnEvent(std::string_view line)
     static simdjson::dom::parser parser;
     simdjson::dom::element element;
     const simdjson::error_code error = parser.parse(line.data(), line.size()).get(element);
-    if (error == simdjson::NUMBER_ERROR || error == simdjson::DEPTH_ERROR)
+    if (error == simdjson::NUMBER_ERROR || error == simdjson::DEPTH_ERROR) {
         return Verdict::either;
+    }
     simdjson::dom::object object;
-    if (error != simdjson::SUCCESS || element.get(object) != simdjson::SUCCESS)
+    if (error != simdjson::SUCCESS || element.get(object) != simdjson::SUCCESS) {
         return Verdict::mustFail;
+    }
 
     std::string_view name;
     bool isNamed = false;
     for (const auto field : object) {
-        if (field.key == "event")
+        if (field.key == "event") {
             isNamed = field.value.get(name) == simdjson::SUCCESS;
+        }
     }
-    if (!isNamed)
+    if (!isNamed) {
         return Verdict::mustFail;
+    }
     constexpr std::string_view tolerant[]{"ready",          "log", "error", "model_archived", "paths",
                                           "model_identity", "done"};
     const bool isTolerant = std::find(std::begin(tolerant), std::end(tolerant), name) != std::end(tolerant);
     const bool isFlat =
         std::count(line.begin(), line.end(), '{') + std::count(line.begin(), line.end(), '[') < 900;
-    if (isTolerant)
+    if (isTolerant) {
         return isFlat ? Verdict::mustDecode : Verdict::either;
+    }
     return name == "status" || name == "neurons" ? Verdict::either : Verdict::mustFail;
 }
 

@@ -52,6 +52,20 @@ void QSettingsUserDefaults::setBoolean(const QString &key, bool value)
     m_settings->setValue(settingsKey(key), value);
 }
 
+std::optional<QDateTime> QSettingsUserDefaults::date(const QString &key) const
+{
+    const QVariant value = m_settings->value(settingsKey(key));
+    return value.typeId() == QMetaType::QDateTime && value.toDateTime().isValid()
+               ? std::optional(value.toDateTime())
+               : std::nullopt;
+}
+
+void QSettingsUserDefaults::setDate(const QString &key, const QDateTime &value)
+{
+    // Of any other zone it would be stored as a text.
+    m_settings->setValue(settingsKey(key), value.toLocalTime());
+}
+
 void QSettingsUserDefaults::synchronize()
 {
     m_settings->sync();

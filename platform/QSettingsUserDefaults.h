@@ -20,6 +20,8 @@ public:
     void setString(const QString &key, const QString &value) override;
     std::optional<bool> boolean(const QString &key) const override;
     void setBoolean(const QString &key, bool value) override;
+    std::optional<QDateTime> date(const QString &key) const override;
+    void setDate(const QString &key, const QDateTime &value) override;
     void synchronize() override;
 
 private:

@@ -13,6 +13,17 @@ struct SynchronizedAtExit
 
 } // namespace
 
+std::optional<QDateTime> UserDefaults::date(const QString &key) const
+{
+    const QDateTime date = QDateTime::fromString(string(key).value_or(QString()), Qt::ISODateWithMs);
+    return date.isValid() ? std::optional(date) : std::nullopt;
+}
+
+void UserDefaults::setDate(const QString &key, const QDateTime &value)
+{
+    setString(key, value.toUTC().toString(Qt::ISODateWithMs));
+}
+
 UserDefaults &standardUserDefaults()
 {
     static UserDefaults *const store = makeStandardUserDefaults().release();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 
 #include <memory>
@@ -22,6 +23,11 @@ public:
     /// Nothing when the key is absent or its value is not a boolean.
     virtual std::optional<bool> boolean(const QString &key) const = 0;
     virtual void setBoolean(const QString &key, bool value) = 0;
+
+    /// Nothing when the key is absent or its value is not a date. A store that knows no dates keeps them as
+    /// texts in ISO 8601, to the millisecond; others may keep no more than the second.
+    virtual std::optional<QDateTime> date(const QString &key) const;
+    virtual void setDate(const QString &key, const QDateTime &value);
 
     /// Persists what has been set and is not persisted yet, which otherwise happens by the next turn of the
     /// event loop. May wait for another process, for a second at the most.

@@ -42,6 +42,11 @@ ensure_packages() { # group...
         apt-get update -q && apt-get install -y -q --no-install-recommends "$@"' install "${missing[@]}"
 }
 
+# Where a window can be opened: "mac", "wayland", "x11" or "none". Needs the packages of the group "run".
+find_display() {
+    if on_mac; then echo mac; else scripts/find-display; fi
+}
+
 # An interpreter to build environments from: one of the versions that the program looks for.
 base_python() {
     local candidate

@@ -5,6 +5,9 @@ namespace zorel::terminal {
 QString helpText()
 {
     return QStringLiteral(R"(Usage: zorel-train [OPTIONS]
+       zorel-train list [TEXT]
+       zorel-train show RUN
+       zorel-train compare BASELINE CANDIDATE
 
 Trains a language model on your own texts, in this terminal. Put text files
 (.txt, .md, .jsonl) into a folder, then for example:
@@ -21,12 +24,25 @@ The run
   --resume                go on from the latest checkpoint
   --family TYPE           text, image or multimodal
   --capability MODE       pretrain (from scratch), finetune or lora; text allows
-                          all three, image the first two, multimodal pretrain
+                          all three, image the first two, multimodal pretrain.
+                          The scripts that come with the program train text
+                          from scratch; for the rest bring your own
 
 Folders
   --training-data DIR     your texts or images; must exist
   --finished-models DIR   finished models are put here
   --model-root DIR        checkpoints, tokenizer and prepared data
+
+Finished models
+  list [TEXT]             list the finished runs, the newest first; with TEXT
+                          those that have it in name, version or folder
+  show RUN                a run's figures, loss curve and neuron snapshot
+  compare BASELINE CANDIDATE
+                          what differs between two runs
+
+  A run is named by its folder, by the beginning of the folder's name, by a path
+  or as “latest”. --finished-models says where to look, and --json prints one
+  JSON object a line, for other programs.
 
 What the model is called
   --model-name NAME       (default: MyModel)
@@ -52,7 +68,7 @@ Output
 
 Exit status
   0  the model is archived, or you stopped the run
-  1  the training failed
+  1  the training failed, or there is no such run
   2  wrong usage
   3  no training scripts, no Python, or no MLX
 

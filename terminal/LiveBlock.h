@@ -3,7 +3,7 @@
 #include "terminal/RunProgress.h"
 #include "terminal/TerminalStyle.h"
 
-#include <QStringList>
+#include <QString>
 
 namespace zorel::terminal {
 

@@ -5,8 +5,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
-#include <algorithm>
-
 namespace zorel::terminal {
 
 using namespace app::presentation;
@@ -22,6 +20,33 @@ QString shellWord(QString text)
         return text;
     }
     return u'\'' + text.replace(u'\'', QStringLiteral("'\\''")) + u'\'';
+}
+
+/// What must be typed to go on with a run that was given `options`; those that were saved need not be said
+/// again.
+QString resumeCommand(const TerminalOptions &options, std::int64_t steps)
+{
+    QStringList words{QStringLiteral("zorel-train"), QStringLiteral("--resume"), QStringLiteral("--steps"),
+                      QString::number(steps)};
+    const auto add = [&](const char *option, const std::optional<QString> &value) {
+        if (value && options.keep == TerminalOptions::Keep::thisRunOnly) {
+            words << QLatin1String(option) << shellWord(*value);
+        }
+    };
+    const auto rawValueOf = [](const auto &choice) {
+        return choice ? std::optional(rawValue(*choice)) : std::nullopt;
+    };
+    add("--family", rawValueOf(options.family));
+    add("--capability", rawValueOf(options.capability));
+    add("--training-data", options.trainingData);
+    add("--finished-models", options.finishedModels);
+    add("--model-root", options.modelRoot);
+    add("--model-name", options.modelName);
+    add("--model-version", options.modelVersion);
+    add("--author", options.author);
+    add("--license", options.license);
+    add("--description", options.description);
+    return words.join(u' ');
 }
 
 } // namespace
@@ -51,15 +76,14 @@ QString archiveReport(const backend::protocol::ArchivedModel &archive, const QSt
     return report;
 }
 
-QString stopReport(const backend::protocol::TrainStatusPayload &lastTrained)
+QString stopReport(const backend::protocol::TrainStatusPayload &lastTrained, const TerminalOptions &options)
 {
     if (lastTrained.step <= 0) {
         return QStringLiteral("Stopped before the first step.");
     }
-    return QStringLiteral("Stopped at step %1 of %2. To go on from the latest checkpoint: zorel-train "
-                          "--resume --steps %3")
+    return QStringLiteral("Stopped at step %1 of %2. To go on from the latest checkpoint: %3")
         .arg(groupedText(lastTrained.step), groupedText(lastTrained.maxSteps),
-             QString::number(lastTrained.maxSteps));
+             resumeCommand(options, lastTrained.maxSteps));
 }
 
 QString setUpHint()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/settings/ZorelSettings.h"
+#include "terminal/TerminalOptions.h"
 #include "terminal/TerminalRun.h"
 
 #include <QString>
@@ -17,7 +18,8 @@ QString introduction(const app::settings::ZorelSettings &settings);
 /// scripts lie.
 QString archiveReport(const backend::protocol::ArchivedModel &archive, const QString &scriptsRoot,
                       app::settings::ModelFamily family);
-QString stopReport(const backend::protocol::TrainStatusPayload &lastTrained);
+/// `options` are those that the run was started with.
+QString stopReport(const backend::protocol::TrainStatusPayload &lastTrained, const TerminalOptions &options);
 QString setUpHint();
 
 /// The sidecar's last lines on standard error in an activity log, without their prefix, at most `most`.

@@ -6,6 +6,7 @@
 #include <QDir>
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 namespace zorel::terminal {
@@ -115,10 +116,125 @@ void declareOptions(QCommandLineParser &parser)
     }
 }
 
+/// What the first word on the command line asks for, when it is no option.
+struct Command
+{
+    QString name;
+    TerminalOptions::Task task;
+    qsizetype fewestWords; ///< that follow it
+    qsizetype mostWords;
+    QString wordsNeeded; ///< said when there are more or fewer
+};
+
+const std::array commands{
+    Command{QStringLiteral("list"), TerminalOptions::Task::listRuns, 0, 1,
+            QStringLiteral("“list” takes one text to search for; put it into quotes.")},
+    Command{QStringLiteral("show"), TerminalOptions::Task::showRun, 1, 1,
+            QStringLiteral("“show” needs one run: its folder's name, as “list” shows it.")},
+    Command{QStringLiteral("compare"), TerminalOptions::Task::compareRuns, 2, 2,
+            QStringLiteral("“compare” needs two runs: their folders' names, as “list” shows them.")},
+};
+
+void requireOptionsOfLibrary(const QCommandLineParser &parser, const Command &command)
+{
+    const QStringList fitting{QStringLiteral("json"), QStringLiteral("finished-models")};
+    for (const QString &name : flagNames + valueNames) {
+        if (parser.isSet(name) && !fitting.contains(name)) {
+            throw UsageError(QStringLiteral("--%1 does not go with “%2”.").arg(name, command.name));
+        }
+    }
+}
+
+/// Leaves `options` alone when there is no word that is no option.
+void readCommand(const QCommandLineParser &parser, TerminalOptions &options)
+{
+    QStringList words = parser.positionalArguments();
+    if (words.isEmpty()) {
+        return;
+    }
+    const QString name = words.takeFirst();
+    const auto command = std::ranges::find(commands, name, &Command::name);
+    if (command == commands.end()) {
+        throw UsageError(
+            QStringLiteral("“%1” is no option; every value stands behind its option's name.").arg(name));
+    }
+    if (words.size() < command->fewestWords || words.size() > command->mostWords) {
+        throw UsageError(command->wordsNeeded);
+    }
+    requireOptionsOfLibrary(parser, *command);
+    options.task = command->task;
+    if (options.task == TerminalOptions::Task::listRuns) {
+        options.searchText = words.value(0);
+    } else {
+        options.runs = words;
+    }
+}
+
 [[noreturn]] void throwParserError(const QCommandLineParser &parser)
 {
     const QStringList unknown = parser.unknownOptionNames();
     throw UsageError(unknown.isEmpty() ? parser.errorText() : unknownOption(unknown.first()));
+}
+
+/// What stands on the command line, by the options' names.
+class GivenOptions
+{
+public:
+    /// Paths of folders are meant from `folder` on. The parser must outlive this.
+    GivenOptions(const QCommandLineParser &parser, const QString &folder)
+        : m_parser(parser)
+        , m_folder(folder)
+    {}
+
+    bool has(const char *name) const { return m_parser.isSet(QLatin1String(name)); }
+
+    std::optional<QString> text(const char *name) const
+    {
+        return has(name) ? std::optional(m_parser.value(QLatin1String(name))) : std::nullopt;
+    }
+
+    std::optional<QString> folder(const char *name) const
+    {
+        const std::optional<QString> path = text(name);
+        return path ? std::optional(absoluteFolder(QLatin1String(name), *path, m_folder)) : std::nullopt;
+    }
+
+private:
+    const QCommandLineParser &m_parser;
+    QString m_folder;
+};
+
+void readRun(const GivenOptions &given, TerminalOptions &options)
+{
+    options.output = given.has("json") ? TerminalOptions::Output::json : TerminalOptions::Output::display;
+    options.log = given.has("log") ? TerminalOptions::Log::shown : TerminalOptions::Log::hidden;
+    options.start = given.has("resume") ? TerminalOptions::Start::resume : TerminalOptions::Start::afresh;
+    if (const auto steps = given.text("steps")) {
+        options.steps = parseSteps(*steps);
+    }
+}
+
+void readSettings(const GivenOptions &given, TerminalOptions &options)
+{
+    if (const auto family = given.text("family")) {
+        options.family = parseFamily(*family);
+    }
+    if (const auto capability = given.text("capability")) {
+        options.capability = parseCapability(*capability);
+    }
+    options.trainingData = given.folder("training-data");
+    options.finishedModels = given.folder("finished-models");
+    options.modelRoot = given.folder("model-root");
+    options.modelName = given.text("model-name");
+    options.modelVersion = given.text("model-version");
+    options.author = given.text("author");
+    options.description = given.text("description");
+    options.license = given.text("license");
+    options.keep = given.has("save") ? TerminalOptions::Keep::saved : TerminalOptions::Keep::thisRunOnly;
+    if (options.keep == TerminalOptions::Keep::saved && !options.changesSettings()) {
+        throw UsageError(QStringLiteral(
+            "--save keeps folders, model type, training mode and identity, but none of them was given."));
+    }
 }
 
 } // namespace
@@ -138,61 +254,24 @@ TerminalOptions TerminalOptions::parse(const QStringList &arguments, const QStri
     QCommandLineParser parser;
     declareOptions(parser);
     const bool parsed = parser.parse(arguments);
-    const auto isSet = [&parser](const char *name) {
-        return parser.isSet(QLatin1String(name));
-    };
-    const auto value = [&](const char *name) {
-        return isSet(name) ? std::optional(parser.value(QLatin1String(name))) : std::nullopt;
-    };
+    const GivenOptions given(parser, folder);
 
     TerminalOptions options;
     // Whoever asks for help gets it, whatever else is wrong.
-    if (isSet("help")) {
+    if (given.has("help")) {
         options.task = Task::showHelp;
         return options;
     }
     if (!parsed) {
         throwParserError(parser);
     }
-    if (isSet("version")) {
+    if (given.has("version")) {
         options.task = Task::showVersion;
         return options;
     }
-    if (const QStringList stray = parser.positionalArguments(); !stray.isEmpty()) {
-        throw UsageError(QStringLiteral("“%1” is no option; every value stands behind its option's name.")
-                             .arg(stray.first()));
-    }
-
-    options.output = isSet("json") ? Output::json : Output::display;
-    options.log = isSet("log") ? Log::shown : Log::hidden;
-    options.start = isSet("resume") ? Start::resume : Start::afresh;
-    options.keep = isSet("save") ? Keep::saved : Keep::thisRunOnly;
-    if (const auto steps = value("steps")) {
-        options.steps = parseSteps(*steps);
-    }
-    if (const auto family = value("family")) {
-        options.family = parseFamily(*family);
-    }
-    if (const auto capability = value("capability")) {
-        options.capability = parseCapability(*capability);
-    }
-    const auto folderValue = [&](const char *name) {
-        const std::optional<QString> text = value(name);
-        return text ? std::optional(absoluteFolder(QLatin1String(name), *text, folder)) : std::nullopt;
-    };
-    options.trainingData = folderValue("training-data");
-    options.finishedModels = folderValue("finished-models");
-    options.modelRoot = folderValue("model-root");
-    options.modelName = value("model-name");
-    options.modelVersion = value("model-version");
-    options.author = value("author");
-    options.description = value("description");
-    options.license = value("license");
-
-    if (options.keep == Keep::saved && !options.changesSettings()) {
-        throw UsageError(QStringLiteral(
-            "--save keeps folders, model type, training mode and identity, but none of them was given."));
-    }
+    readCommand(parser, options);
+    readRun(given, options);
+    readSettings(given, options);
     return options;
 }
 

@@ -22,7 +22,7 @@ public:
 /// The command line of zorel-train. A setting that was not given is empty and stays as it is stored.
 struct TerminalOptions
 {
-    enum class Task { train, showHelp, showVersion };
+    enum class Task { train, listRuns, showRun, compareRuns, showHelp, showVersion };
     enum class Output { display, json };
     enum class Log { hidden, shown };
     enum class Start { afresh, resume };
@@ -33,6 +33,8 @@ struct TerminalOptions
     Log log = Log::hidden;
     Start start = Start::afresh;
     Keep keep = Keep::thisRunOnly;
+    QString searchText; ///< for listRuns
+    QStringList runs;   ///< one for showRun; baseline and candidate for compareRuns
     std::optional<std::int64_t> steps;
     std::optional<app::settings::ModelFamily> family;
     std::optional<app::settings::TrainingCapability> capability;

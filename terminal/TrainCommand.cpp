@@ -3,6 +3,7 @@
 #include "platform/BrokenPipe.h"
 #include "terminal/HelpText.h"
 #include "terminal/JsonRenderer.h"
+#include "terminal/LibraryCommand.h"
 #include "terminal/LiveRenderer.h"
 #include "terminal/PlainRenderer.h"
 #include "terminal/RunReport.h"
@@ -149,7 +150,7 @@ void TrainCommand::finish()
         m_renderer->showNotice(
             m_stoppedAtOnce
                 ? QStringLiteral("Stopped at once; what came after the latest checkpoint is lost.")
-                : stopReport(m_run.lastTrained()));
+                : stopReport(m_run.lastTrained(), m_options));
         break;
     case TerminalRun::Outcome::failed:
     case TerminalRun::Outcome::notStartable:
@@ -182,12 +183,17 @@ void TrainCommand::reportFailure()
 
 namespace {
 
-int trainWith(const TerminalOptions &options, const TrainCommand::Streams &streams)
+int carryOut(const TerminalOptions &options, const TrainCommand::Streams &streams)
 {
     const std::unique_ptr<platform::UserDefaults> store = platform::makeStandardUserDefaults();
     const platform::StandardFolders folders = platform::StandardFolders::current();
     RunSettings runSettings(*store, folders, options);
-    return TrainCommand(options, runSettings.settings(), streams).execute();
+    if (options.task == TerminalOptions::Task::train) {
+        return TrainCommand(options, runSettings.settings(), streams).execute();
+    }
+    return LibraryCommand(options, runSettings.settings(), streams.output, streams.messages,
+                          streams.errorMessages)
+        .execute();
 }
 
 /// Qt warns of a locale that it dislikes, which is no concern of the user's.
@@ -227,9 +233,12 @@ int runTrainCommand(int argumentCount, char **arguments)
             output.write(versionText().toUtf8());
             return 0;
         case TerminalOptions::Task::train:
+        case TerminalOptions::Task::listRuns:
+        case TerminalOptions::Task::showRun:
+        case TerminalOptions::Task::compareRuns:
             break;
         }
-        return trainWith(options, {output, errors, messages, errorMessages, styleOf(output)});
+        return carryOut(options, {output, errors, messages, errorMessages, styleOf(output)});
     } catch (const UsageError &error) {
         errorMessages.writeError(
             QStringLiteral("zorel-train: %1 See zorel-train --help.").arg(QString::fromUtf8(error.what())));

@@ -1,5 +1,7 @@
 #include "app/presentation/Figures.h"
 
+#include "app/presentation/DecimalText.h"
+
 #include <QLocale>
 
 #include <cmath>
@@ -8,9 +10,14 @@ namespace zorel::app::presentation {
 
 namespace {
 
-QString formatted(const char *format, double value)
+QString dash()
 {
-    return std::isfinite(value) ? QString::asprintf(format, value) : QStringLiteral("—");
+    return QStringLiteral("—");
+}
+
+QString fixedOrDash(double value, int decimals)
+{
+    return std::isfinite(value) ? fixedText(value, decimals) : dash();
 }
 
 } // namespace
@@ -19,7 +26,7 @@ QString durationText(double seconds)
 {
     const double whole = std::trunc(seconds);
     if (!(std::abs(whole) < 9e15)) {
-        return QStringLiteral("—");
+        return dash();
     }
     const auto s = static_cast<long long>(whole);
     if (s >= 3600) {
@@ -33,27 +40,27 @@ QString durationText(double seconds)
 
 QString lossText(double loss)
 {
-    return formatted("%.4f", loss);
+    return fixedOrDash(loss, 4);
 }
 
 QString perplexityText(double loss)
 {
-    return loss > 0 && loss < 20 ? formatted("%.1f", std::exp(loss)) : QStringLiteral("—");
+    return loss > 0 && loss < 20 ? fixedOrDash(std::exp(loss), 1) : dash();
 }
 
 QString learningRateText(double rate)
 {
-    return formatted("%.2e", rate);
+    return std::isfinite(rate) ? scientificText(rate, 2) : dash();
 }
 
 QString gradNormText(double norm)
 {
-    return formatted("%.3f", norm);
+    return fixedOrDash(norm, 3);
 }
 
 QString throughputText(double perSecond)
 {
-    return formatted("%.0f", perSecond);
+    return fixedOrDash(perSecond, 0);
 }
 
 QString groupedText(std::int64_t number)

@@ -168,7 +168,9 @@ void ZorelSettings::ensureFoldersExist() const
 {
     for (const QString &path : {m_trainingDataPath, m_finishedModelsPath, m_modelRootPath}) {
         // Unusable folders show in the access flags, so a failure here says nothing new.
-        QDir().mkpath(expanded(path));
+        if (!path.isEmpty()) {
+            QDir().mkpath(expanded(path));
+        }
     }
 }
 

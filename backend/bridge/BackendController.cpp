@@ -3,17 +3,15 @@
 #include "app/settings/ZorelSettings.h"
 #include "backend/bridge/LineReader.h"
 #include "backend/bridge/RunningSidecar.h"
-#include "backend/protocol/BadLine.h"
 #include "backend/protocol/CommandEncoder.h"
 #include "backend/protocol/Commands.h"
-#include "backend/protocol/Overloaded.h"
 #include "backend/protocol/Utf8Text.h"
 #include "library/ArchivedRunCount.h"
 #include "library/RunLibrary.h"
+#include "platform/Bundle.h"
+#include "platform/StandardFolders.h"
 
 #include <QFile>
-#include <QMetaMethod>
-#include <QProcessEnvironment>
 #include <QTimer>
 
 #include <algorithm>
@@ -24,20 +22,8 @@ namespace zorel::backend::bridge {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr std::chrono::milliseconds archiveNoticeDuration = 12s;
 /// What the sidecar is asked for before it has told its own default.
 constexpr std::int64_t initialMaxSteps = 50'000;
-
-std::string_view trimmed(std::string_view text)
-{
-    const std::size_t first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
 
 /// The first `length` UTF-16 units, or one less where that would cut a character in two.
 QString startOf(const QString &text, qsizetype length)
@@ -45,22 +31,17 @@ QString startOf(const QString &text, qsizetype length)
     return text.left(text.at(length - 1).isHighSurrogate() ? length - 1 : length);
 }
 
-Environment systemEnvironment()
+/// Of this process. A program must not write into its own bundle, whose signature covers every file, so
+/// Python keeps the bytecode of scripts from there among the user's caches.
+platform::Environment systemEnvironment()
 {
-    Environment variables;
-    for (const QString &name : QProcessEnvironment::systemEnvironment().keys()) {
-        const QByteArray bytes = name.toLocal8Bit();
-        variables.insert(bytes, qgetenv(bytes.constData()));
+    platform::Environment environment = platform::currentEnvironment();
+    const QByteArray key = "PYTHONPYCACHEPREFIX";
+    if (platform::mainBundle() && !environment.contains(key)) {
+        const QString caches = platform::StandardFolders::current().caches;
+        environment.insert(key, QFile::encodeName(caches + QLatin1String("/com.talvex.zorel/Python")));
     }
-    return variables;
-}
-
-protocol::TrainStatusPayload idleStatus(std::int64_t maxSteps)
-{
-    protocol::TrainStatusPayload status;
-    status.state = QStringLiteral("idle");
-    status.maxSteps = maxSteps;
-    return status;
+    return environment;
 }
 
 } // namespace
@@ -79,7 +60,7 @@ BackendController::Surroundings BackendController::Surroundings::system()
 BackendController::BackendController(app::settings::ZorelSettings &settings, Surroundings surroundings)
     : m_settings(settings)
     , m_surroundings(std::move(surroundings))
-    , m_status(idleStatus(initialMaxSteps))
+    , m_status(protocol::TrainStatusPayload::idle(initialMaxSteps))
     , m_desiredMaxSteps(initialMaxSteps)
 {}
 
@@ -111,7 +92,7 @@ void BackendController::launch()
 
     try {
         startSidecar();
-    } catch (const LaunchError &error) {
+    } catch (const platform::LaunchError &error) {
         setFatalError(QStringLiteral("failed to launch Python backend: ") + QString::fromUtf8(error.what()));
     } catch (const std::system_error &exhausted) {
         setFatalError(QStringLiteral("failed to launch Python backend: ") +
@@ -121,7 +102,7 @@ void BackendController::launch()
 
 void BackendController::startSidecar()
 {
-    const ChildProgram program{
+    const platform::ChildProgram program{
         m_python,
         {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("src.app_backend")},
         m_scriptsRoot,
@@ -144,9 +125,9 @@ void BackendController::startSidecar()
     m_lastSidecar = m_sidecar;
 }
 
-Environment BackendController::childEnvironment() const
+platform::Environment BackendController::childEnvironment() const
 {
-    Environment environment = m_surroundings.environment();
+    platform::Environment environment = m_surroundings.environment();
     const QByteArray home = environment.value("HOME");
     const QByteArray path = environment.value("PATH", "/usr/bin:/bin");
     environment.insert("PATH", home + "/Library/Python/3.9/bin:" + path);
@@ -266,137 +247,6 @@ void BackendController::sendModelIdentity()
 void BackendController::sendTrainingProfile()
 {
     send(protocol::setTrainingProfileCommand(m_settings.trainingProfilePayload()));
-}
-
-// Events
-
-void BackendController::handleOutputLine(const Line &line)
-{
-    const std::string_view text = trimmed(line.text);
-    if (text.empty()) {
-        return;
-    }
-    static const QMetaMethod lineSignal = QMetaMethod::fromSignal(&BackendController::eventLineReceived);
-    if (isSignalConnected(lineSignal)) {
-        Q_EMIT eventLineReceived(QByteArray(text.data(), qsizetype(text.size())));
-    }
-    if (!line.truncated) {
-        const std::size_t readable = line.readable - static_cast<std::size_t>(text.data() - line.text.data());
-        auto decoded = m_decoder.decode(text, readable);
-        if (auto *event = std::get_if<protocol::BackendEvent>(&decoded)) {
-            apply(std::move(*event));
-            return;
-        }
-    }
-    appendLog(QStringLiteral("× bad event from backend: ") + protocol::startOfLine(text));
-}
-
-void BackendController::apply(protocol::BackendEvent event)
-{
-    std::visit(protocol::Overloaded{
-                   [this](const protocol::ReadyEvent &ready) { applyReady(ready.defaultMaxSteps); },
-                   [this](protocol::TrainStatusPayload &status) { applyStatus(std::move(status)); },
-                   [this](protocol::NeuronSnapshotPayload &snapshot) { applySnapshot(std::move(snapshot)); },
-                   [this](const protocol::LogEvent &log) { appendLog(log.msg); },
-                   [this](const protocol::ErrorEvent &error) {
-                       appendLog(QStringLiteral("× ERROR: ") + error.msg);
-                       Q_EMIT backendErrorReported(error.msg);
-                   },
-                   [this](const protocol::ArchivedModel &archive) { applyArchive(archive); },
-                   [this](const protocol::BackendPaths &paths) { applyPaths(paths); },
-                   [](const protocol::ModelIdentityEvent &) {},
-                   [this](const protocol::DoneEvent &) {
-                       appendLog(QStringLiteral("backend signalled done"));
-                       Q_EMIT backendDone();
-                   },
-               },
-               event);
-}
-
-void BackendController::applyReady(std::int64_t defaultMaxSteps)
-{
-    // Whoever hears of it finds everything in place, the sidecar's three answers sent included.
-    const bool wasReady = std::exchange(m_ready, true);
-    setFatalError(std::nullopt);
-    setDesiredMaxSteps(defaultMaxSteps);
-    setStatus(idleStatus(defaultMaxSteps));
-    appendLog(QStringLiteral("backend ready (default max_steps = %1)").arg(defaultMaxSteps));
-    sendPaths();
-    sendModelIdentity();
-    sendTrainingProfile();
-    if (!wasReady) {
-        Q_EMIT readyChanged();
-    }
-}
-
-void BackendController::applyStatus(protocol::TrainStatusPayload status)
-{
-    if (status.loss > 0 && status.step != (m_lossHistory.empty() ? -1 : m_lossHistory.back().step)) {
-        m_lossHistory.emplace_back(status.step, status.loss);
-        if (m_lossHistory.size() > maximumLossPoints) {
-            m_lossHistory.pop_front();
-        }
-        Q_EMIT lossPointAppended(m_lossHistory.back());
-    }
-    setStatus(std::move(status));
-    if (m_status.state != QLatin1String("idle")) {
-        setDesiredMaxSteps(m_status.maxSteps);
-    }
-}
-
-void BackendController::applySnapshot(protocol::NeuronSnapshotPayload snapshot)
-{
-    const bool final = snapshot.final;
-    std::optional<protocol::NeuronSnapshotPayload> &destination = final ? m_finalNeurons : m_liveNeurons;
-    destination = std::move(snapshot);
-    if (final) {
-        Q_EMIT finalNeuronsChanged();
-    } else {
-        Q_EMIT liveNeuronsChanged();
-    }
-    followSelection(*destination);
-}
-
-void BackendController::followSelection(const protocol::NeuronSnapshotPayload &snapshot)
-{
-    if (!m_selectedNeuron) {
-        return;
-    }
-    const auto layer =
-        std::ranges::find(snapshot.layers, m_selectedNeuron->layer, &protocol::LayerNeurons::layer);
-    if (layer == snapshot.layers.end()) {
-        return;
-    }
-    const auto neuron =
-        std::ranges::find(layer->neurons, m_selectedNeuron->neuron.index, &protocol::VisualNeuron::index);
-    if (neuron != layer->neurons.end()) {
-        setSelectedNeuron(protocol::NeuronSelection{layer->layer, *neuron});
-    }
-}
-
-void BackendController::applyArchive(const protocol::ArchivedModel &archive)
-{
-    setArchivedCount(m_archivedCount + 1);
-    setRecentArchive(archive);
-    const QString finishedModels = m_settings.expanded(m_settings.finishedModelsPath());
-    if (m_libraryStore) {
-        m_libraryStore->scan(finishedModels);
-    }
-    setArchivedCount(library::countArchivedRuns(finishedModels));
-    appendLog(QStringLiteral("✓ archived model → ") + archive.path);
-    m_surroundings.runAfter(archiveNoticeDuration, this, [this, archive] {
-        if (m_recentArchive == archive) {
-            setRecentArchive(std::nullopt);
-        }
-    });
-}
-
-void BackendController::applyPaths(const protocol::BackendPaths &paths)
-{
-    appendLog(QStringLiteral("library: ") + paths.libraryRoot);
-    appendLog(QStringLiteral("  training data → ") + paths.trainingData);
-    appendLog(QStringLiteral("  finished models → ") + paths.finishedModels);
-    appendLog(QStringLiteral("  model working dir → ") + paths.modelRoot);
 }
 
 // Published state

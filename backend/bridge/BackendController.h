@@ -1,11 +1,11 @@
 #pragma once
 
-#include "backend/bridge/ChildProcess.h"
 #include "backend/bridge/SidecarLocator.h"
 #include "backend/protocol/BackendEvent.h"
 #include "backend/protocol/EventDecoder.h"
 #include "backend/protocol/LossPoint.h"
 #include "backend/protocol/NeuronSelection.h"
+#include "platform/ChildProcess.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -49,7 +49,7 @@ public:
     struct Surroundings
     {
         std::function<SidecarHost()> host;
-        std::function<Environment()> environment;
+        std::function<platform::Environment()> environment;
         std::function<void(std::chrono::milliseconds, QObject *context, std::function<void()>)> runAfter;
 
         /// This process's environment and event loop.
@@ -75,7 +75,10 @@ public:
     const std::optional<QString> &fatalError() const { return m_fatalError; }
     /// The run archived last, for 12 seconds.
     const std::optional<protocol::ArchivedModel> &recentArchive() const { return m_recentArchive; }
+    /// The runs in Finished models as they were counted last: after "ready", an archive or a change of
+    /// folders.
     std::int64_t archivedCount() const { return m_archivedCount; }
+    /// What the next "start" asks for; follows the sidecar's own figure while a run goes on.
     std::int64_t desiredMaxSteps() const { return m_desiredMaxSteps; }
     bool showModelLibrary() const { return m_showModelLibrary; }
     /// Interpreter and scripts of the last successful search; empty before.
@@ -90,8 +93,12 @@ public:
     /// Starts the sidecar unless there is one. Blocks while interpreters are probed.
     void launch();
     bool isRunning() const;
+    /// Sends a command without waiting for the child to read it. What cannot be sent is a line in the log.
     void send(const QJsonObject &command);
+    /// Forgets snapshots and selection, and starts or resumes. Without a child this launches one and does not
+    /// train; before "ready" it does nothing. The log says so in both cases.
     void startTraining(bool resume);
+    /// Clamped to protocol::minimumMaxSteps ... maximumMaxSteps; also during a run.
     void setMaxSteps(std::int64_t steps);
     /// Sends the configured folders, recounts the archived runs and has the library rescanned.
     void sendPaths();
@@ -134,7 +141,7 @@ private:
     void handleOutputLine(const Line &line);
     void handleExit(int status);
     void startSidecar();
-    Environment childEnvironment() const;
+    platform::Environment childEnvironment() const;
     void reportSendFailure(const QString &reason);
 
     void applyReady(std::int64_t defaultMaxSteps);

@@ -26,7 +26,7 @@ bool isAlwaysAdmitted(const QString &name)
 
 } // namespace
 
-CommandQueue::CommandQueue(Descriptor descriptor)
+CommandQueue::CommandQueue(platform::Descriptor descriptor)
     : m_descriptor(std::move(descriptor))
 {
     m_descriptor.setNonBlocking();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backend/bridge/Descriptor.h"
+#include "platform/Descriptor.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -26,7 +26,7 @@ public:
     /// Commands other than "set_...", "stop" and "quit" that may wait; one more is refused.
     static constexpr std::size_t maximumWaiting = 256;
 
-    explicit CommandQueue(Descriptor descriptor);
+    explicit CommandQueue(platform::Descriptor descriptor);
     ~CommandQueue() override;
 
     /// Sends one whole line, in one write where the pipe has room. Nothing on success, otherwise why it
@@ -53,7 +53,7 @@ private:
     QString failureText();
     bool isFull() const;
 
-    Descriptor m_descriptor;
+    platform::Descriptor m_descriptor;
     std::deque<Waiting> m_waiting;
     qsizetype m_written = 0; ///< bytes of the front command that are already written
     std::unique_ptr<QSocketNotifier> m_notifier;

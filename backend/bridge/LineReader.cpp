@@ -43,9 +43,9 @@ struct Delivery
 class LineReader::Worker
 {
 public:
-    Worker(Descriptor descriptor, std::function<void()> notify)
+    Worker(platform::Descriptor descriptor, std::function<void()> notify)
         : m_descriptor(std::move(descriptor))
-        , m_wake(Pipe::open())
+        , m_wake(platform::Pipe::open())
         , m_notify(std::move(notify))
     {
         m_descriptor.setNonBlocking();
@@ -234,8 +234,8 @@ private:
     /// No pipe of the systems we run on holds more unless it is asked to, and nothing of ours asks.
     static constexpr std::size_t pipeCapacity() { return std::size_t{64} * 1024; }
 
-    Descriptor m_descriptor;
-    Pipe m_wake;
+    platform::Descriptor m_descriptor;
+    platform::Pipe m_wake;
     std::function<void()> m_notify;
     std::thread m_thread;
     std::array<char, readChunkBytes> m_chunk;
@@ -250,7 +250,7 @@ private:
     bool m_finished = false;
 };
 
-LineReader::LineReader(Descriptor descriptor, Handler handler)
+LineReader::LineReader(platform::Descriptor descriptor, Handler handler)
     : m_handler(std::move(handler))
     , m_worker(std::make_shared<Worker>(std::move(descriptor), [this] {
         QMetaObject::invokeMethod(this, &LineReader::deliver, Qt::QueuedConnection);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backend/bridge/Descriptor.h"
+#include "platform/Descriptor.h"
 
 #include <QObject>
 
@@ -42,7 +42,7 @@ public:
 
     /// Takes ownership of `descriptor`, the read end of a pipe, and starts reading. `handler` runs on the
     /// creating thread.
-    LineReader(Descriptor descriptor, Handler handler);
+    LineReader(platform::Descriptor descriptor, Handler handler);
     /// Stops.
     ~LineReader() override;
 

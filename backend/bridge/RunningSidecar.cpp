@@ -7,10 +7,10 @@
 
 namespace zorel::backend::bridge {
 
-RunningSidecar::RunningSidecar(const ChildProgram &program, const Handlers &handlers)
+RunningSidecar::RunningSidecar(const platform::ChildProgram &program, const Handlers &handlers)
     : m_process(program)
 {
-    ChildPipes pipes = m_process.takePipes();
+    platform::ChildPipes pipes = m_process.takePipes();
     m_input = std::make_unique<CommandQueue>(std::move(pipes.input));
     m_outputReader = std::make_unique<LineReader>(std::move(pipes.output), handlers.outputLine);
     m_errorReader = std::make_unique<LineReader>(std::move(pipes.error), handlers.errorLine);
@@ -18,7 +18,7 @@ RunningSidecar::RunningSidecar(const ChildProgram &program, const Handlers &hand
         closeInput();
         Q_EMIT sendFailed(reason);
     });
-    connect(&m_process, &ChildProcess::exited, this, &RunningSidecar::announceExitWhenDrained);
+    connect(&m_process, &platform::ChildProcess::exited, this, &RunningSidecar::announceExitWhenDrained);
 }
 
 RunningSidecar::~RunningSidecar() = default;

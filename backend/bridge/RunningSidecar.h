@@ -1,7 +1,7 @@
 #pragma once
 
-#include "backend/bridge/ChildProcess.h"
 #include "backend/bridge/LineReader.h"
+#include "platform/ChildProcess.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -28,7 +28,7 @@ public:
     };
 
     /// Starts the child. Throws LaunchError, or std::system_error when descriptors or threads have run out.
-    RunningSidecar(const ChildProgram &program, const Handlers &handlers);
+    RunningSidecar(const platform::ChildProgram &program, const Handlers &handlers);
     ~RunningSidecar() override;
 
     /// Whether the child has not ended yet; false some moments before `exited`.
@@ -58,7 +58,7 @@ Q_SIGNALS:
 private:
     void announceExitWhenDrained(int status);
 
-    ChildProcess m_process;
+    platform::ChildProcess m_process;
     std::unique_ptr<CommandQueue> m_input;
     std::unique_ptr<LineReader> m_outputReader;
     std::unique_ptr<LineReader> m_errorReader;

@@ -24,10 +24,12 @@ std::string_view withoutTornEnd(std::string_view text)
         return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
     };
     std::size_t start = text.size();
-    while (start > 0 && text.size() - start < 4 && isContinuation(text[start - 1]))
+    while (start > 0 && text.size() - start < 4 && isContinuation(text[start - 1])) {
         --start;
-    if (start == 0)
+    }
+    if (start == 0) {
         return text;
+    }
     const auto lead = static_cast<unsigned char>(text[start - 1]);
     const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
     return text.size() - start + 1 < length ? text.substr(0, start - 1) : text;
@@ -38,8 +40,9 @@ std::string_view withoutTornEnd(std::string_view text)
 QString startOfLine(std::string_view trimmedLine)
 {
     // One byte more: it could be an accent on the last character.
-    if (const std::string_view start = trimmedLine.substr(0, badLineLength + 1); isPlain(start))
+    if (const std::string_view start = trimmedLine.substr(0, badLineLength + 1); isPlain(start)) {
         return QString::fromLatin1(start.data(), std::min<qsizetype>(std::ssize(start), badLineLength));
+    }
 
     const bool isCut = trimmedLine.size() > longestStart;
     const std::string_view start = isCut ? withoutTornEnd(trimmedLine.substr(0, longestStart)) : trimmedLine;
@@ -49,8 +52,9 @@ QString startOfLine(std::string_view trimmedLine)
     for (int characters = 0; characters < badLineLength && end < text.size(); ++characters) {
         const qsizetype next = finder.toNextBoundary();
         // The character at the cut may go on behind it.
-        if (next < 0 || (isCut && next == text.size() && end > 0))
+        if (next < 0 || (isCut && next == text.size() && end > 0)) {
             break;
+        }
         end = next;
     }
     return text.left(end);

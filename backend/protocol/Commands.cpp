@@ -10,8 +10,9 @@ QJsonObject nonEmptyEntries(const QMap<QString, QString> &entries)
 {
     QJsonObject object;
     for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
-        if (!entry.value().isEmpty())
+        if (!entry.value().isEmpty()) {
             object.insert(entry.key(), entry.value());
+        }
     }
     return object;
 }
@@ -19,8 +20,9 @@ QJsonObject nonEmptyEntries(const QMap<QString, QString> &entries)
 QJsonObject allEntries(const QMap<QString, QString> &entries)
 {
     QJsonObject object;
-    for (auto entry = entries.begin(); entry != entries.end(); ++entry)
+    for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
         object.insert(entry.key(), entry.value());
+    }
     return object;
 }
 

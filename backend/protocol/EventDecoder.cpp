@@ -31,10 +31,12 @@ Result accept(Event &&event)
 QString lastPathComponent(const QString &path)
 {
     qsizetype end = path.size();
-    while (end > 0 && path[end - 1] == u'/')
+    while (end > 0 && path[end - 1] == u'/') {
         --end;
-    if (end == 0)
+    }
+    if (end == 0) {
         return path.left(1);
+    }
     const qsizetype slash = path.lastIndexOf(u'/', end - 1);
     return path.sliced(slash + 1, end - slash - 1);
 }
@@ -57,8 +59,9 @@ Result readReady(ondemand::object object, EventName &name)
     const auto readStepCount = [&](ondemand::value &value) {
         return orDefault(readInteger(value, event.defaultMaxSteps), event.defaultMaxSteps, defaultStepCount);
     };
-    if (!readObject(object, fields, eventField(name), field<"default_max_steps">(readStepCount)))
+    if (!readObject(object, fields, eventField(name), field<"default_max_steps">(readStepCount))) {
         return notJson();
+    }
     return accept(event);
 }
 
@@ -98,8 +101,9 @@ Result readLog(ondemand::object object, EventName &name)
     LogEvent event{defaultLevel, {}};
     FieldsRead fields;
     if (!readObject(object, fields, eventField(name), stringOr<"level">(event.level, defaultLevel),
-                    stringOr<"msg">(event.msg, noText)))
+                    stringOr<"msg">(event.msg, noText))) {
         return notJson();
+    }
     return accept(std::move(event));
 }
 
@@ -108,8 +112,9 @@ Result readError(ondemand::object object, EventName &name)
     static const QString defaultMessage = QStringLiteral("unknown error");
     ErrorEvent event{defaultMessage};
     FieldsRead fields;
-    if (!readObject(object, fields, eventField(name), stringOr<"msg">(event.msg, defaultMessage)))
+    if (!readObject(object, fields, eventField(name), stringOr<"msg">(event.msg, defaultMessage))) {
         return notJson();
+    }
     return accept(std::move(event));
 }
 
@@ -131,10 +136,12 @@ Result readArchivedModel(ondemand::object object, EventName &name)
     };
     if (!readObject(object, fields, field<"folder_name">(readFolderName), eventField(name),
                     stringOr<"path">(model.path, noText), field<"step">(readStep), field<"loss">(readLoss),
-                    field<"elapsed">(readElapsed)))
+                    field<"elapsed">(readElapsed))) {
         return notJson();
-    if (!fields.has(0))
+    }
+    if (!fields.has(0)) {
         model.folderName = lastPathComponent(model.path);
+    }
     return accept(std::move(model));
 }
 
@@ -145,8 +152,9 @@ Result readPaths(ondemand::object object, EventName &name)
     if (!readObject(object, fields, eventField(name), stringOr<"library_root">(paths.libraryRoot, noText),
                     stringOr<"training_data">(paths.trainingData, noText),
                     stringOr<"finished_models">(paths.finishedModels, noText),
-                    stringOr<"model_root">(paths.modelRoot, noText)))
+                    stringOr<"model_root">(paths.modelRoot, noText))) {
         return notJson();
+    }
     return accept(std::move(paths));
 }
 
@@ -190,8 +198,9 @@ Result readEvent(EventKind kind, const char *firstKey, ondemand::object object, 
 std::optional<EventKind> kindOf(std::string_view name)
 {
     for (std::size_t index = 0; index < eventNames.size(); ++index) {
-        if (eventNames[index] == name)
+        if (eventNames[index] == name) {
             return static_cast<EventKind>(index);
+        }
     }
     return std::nullopt;
 }
@@ -225,18 +234,21 @@ private:
     Result decodeOpen(std::string_view line, std::size_t readable)
     {
         ondemand::object object;
-        if (!m_document.open(line, readable, object))
+        if (!m_document.open(line, readable, object)) {
             return notJson();
+        }
         if (const std::optional<EventKind> guess = guessKind(line)) {
             EventName name;
             Result result = readEvent(*guess, m_document.firstKey(), object, name);
             if (name.is(*guess)) {
-                if (!m_document.isAtEnd())
+                if (!m_document.isAtEnd()) {
                     result = notJson();
+                }
                 return result;
             }
-            if (!m_document.reopen(object))
+            if (!m_document.reopen(object)) {
                 return notJson();
+            }
         }
         return decodeByName(object);
     }
@@ -245,15 +257,19 @@ private:
     Result decodeByName(ondemand::object object)
     {
         EventName name;
-        if (!readName(object, name) || !m_document.isAtEnd())
+        if (!readName(object, name) || !m_document.isAtEnd()) {
             return notJson();
-        if (!name.text())
+        }
+        if (!name.text()) {
             return DecodingError{"no event name"};
+        }
         const std::optional<EventKind> kind = kindOf(*name.text());
-        if (!kind)
+        if (!kind) {
             return DecodingError{"unknown event kind: " + std::string(*name.text())};
-        if (!m_document.reopen(object))
+        }
+        if (!m_document.reopen(object)) {
             return notJson();
+        }
         return readEvent(*kind, nullptr, object, name);
     }
 

@@ -21,16 +21,20 @@ std::string_view scalarText(ondemand::value &value)
 bool skipObject(ondemand::value &value, int depth)
 {
     ondemand::object object;
-    if (value.get_object().get(object) != simdjson::SUCCESS)
+    if (value.get_object().get(object) != simdjson::SUCCESS) {
         return false;
+    }
     for (simdjson::simdjson_result<ondemand::field> result : object) {
         ondemand::field field;
-        if (std::move(result).get(field) != simdjson::SUCCESS)
+        if (std::move(result).get(field) != simdjson::SUCCESS) {
             return false;
-        if (field.unescaped_key().error() != simdjson::SUCCESS)
+        }
+        if (field.unescaped_key().error() != simdjson::SUCCESS) {
             return false;
-        if (skipValue(field.value(), depth + 1) == Reading::malformed)
+        }
+        if (skipValue(field.value(), depth + 1) == Reading::malformed) {
             return false;
+        }
     }
     return true;
 }
@@ -38,14 +42,17 @@ bool skipObject(ondemand::value &value, int depth)
 bool skipArray(ondemand::value &value, int depth)
 {
     ondemand::array array;
-    if (value.get_array().get(array) != simdjson::SUCCESS)
+    if (value.get_array().get(array) != simdjson::SUCCESS) {
         return false;
+    }
     for (simdjson::simdjson_result<ondemand::value> result : array) {
         ondemand::value element;
-        if (result.get(element) != simdjson::SUCCESS)
+        if (result.get(element) != simdjson::SUCCESS) {
             return false;
-        if (skipValue(element, depth + 1) == Reading::malformed)
+        }
+        if (skipValue(element, depth + 1) == Reading::malformed) {
             return false;
+        }
     }
     return true;
 }
@@ -65,8 +72,9 @@ bool isScalar(std::string_view text)
 
 Reading skipValue(ondemand::value &value, int depth)
 {
-    if (depth >= deepestNesting)
+    if (depth >= deepestNesting) {
         return Reading::malformed;
+    }
     bool wellFormed = false;
     switch (value.raw_json_token().front()) {
     case '{':
@@ -87,8 +95,9 @@ Reading skipValue(ondemand::value &value, int depth)
 Reading readUnusualInteger(ondemand::value &value, std::int64_t &target)
 {
     const std::optional<std::int64_t> number = wholeNumber(scalarText(value));
-    if (!number)
+    if (!number) {
         return skipValue(value);
+    }
     target = *number;
     return Reading::taken;
 }
@@ -97,8 +106,9 @@ bool JsonDocument::open(std::string_view text, std::size_t readable, ondemand::o
 {
     // Some releases of simdjson skip a byte order mark, some do not.
     const std::size_t start = text.find_first_not_of(jsonSpace);
-    if (start == std::string_view::npos || text[start] != '{')
+    if (start == std::string_view::npos || text[start] != '{') {
         return false;
+    }
     if (readable < text.size() + padding || !isHarmlessAfterText(text.data()[text.size()])) {
         m_copy.assign(text).append(padding, ' ');
         text = std::string_view(m_copy.data(), text.size());
@@ -107,8 +117,9 @@ bool JsonDocument::open(std::string_view text, std::size_t readable, ondemand::o
     const bool isUsual = text.size() <= usualLength;
     const std::size_t capacity = isUsual ? std::bit_ceil(2 * text.size()) : text.size();
     m_firstKey = isUsual ? text.data() + start + 1 : nullptr;
-    if (m_parser.capacity() < capacity && m_parser.allocate(capacity) != simdjson::SUCCESS)
+    if (m_parser.capacity() < capacity && m_parser.allocate(capacity) != simdjson::SUCCESS) {
         return false;
+    }
     const simdjson::padded_string_view padded(text.data(), text.size(), text.size() + padding);
     return m_parser.iterate(padded).get(m_document) == simdjson::SUCCESS &&
            m_document.get_object().get(object) == simdjson::SUCCESS;
@@ -116,8 +127,9 @@ bool JsonDocument::open(std::string_view text, std::size_t readable, ondemand::o
 
 bool JsonDocument::reopen(ondemand::object &object)
 {
-    if (!m_document.is_alive()) // given up at an error
+    if (!m_document.is_alive()) { // given up at an error
         return false;
+    }
     m_document.rewind();
     return m_document.get_object().get(object) == simdjson::SUCCESS;
 }
@@ -129,10 +141,12 @@ bool JsonDocument::isAtEnd()
 
 void JsonDocument::close()
 {
-    if (m_parser.capacity() > 2 * usualLength)
+    if (m_parser.capacity() > 2 * usualLength) {
         m_parser = ondemand::parser();
-    if (m_copy.capacity() > usualLength + padding)
+    }
+    if (m_copy.capacity() > usualLength + padding) {
         m_copy = std::string();
+    }
 }
 
 } // namespace zorel::backend::protocol

@@ -61,8 +61,9 @@ inline Reading readString(ondemand::value &value, QString &target)
 {
     std::string_view utf8;
     const Reading reading = readUtf8(value, utf8);
-    if (reading == Reading::taken)
+    if (reading == Reading::taken) {
         target = toQString(utf8);
+    }
     return reading;
 }
 
@@ -71,8 +72,9 @@ inline Reading readString(ondemand::value &value, QString &target)
 template <class Value>
 Reading orDefault(Reading reading, Value &target, const Value &otherwise)
 {
-    if (reading == Reading::otherType)
+    if (reading == Reading::otherType) {
         target = otherwise;
+    }
     return reading;
 }
 
@@ -149,10 +151,12 @@ public:
     /// Whether there is a current field; reads the next one when the last was taken.
     simdjson_inline bool hasField()
     {
-        if (m_isHeld)
+        if (m_isHeld) {
             return true;
-        if (m_isMalformed || !(m_next != m_next))
+        }
+        if (m_isMalformed || !(m_next != m_next)) {
             return false;
+        }
         simdjson::simdjson_result<ondemand::field> next = *m_next;
         m_isMalformed = next.error() != simdjson::SUCCESS;
         m_isHeld = !m_isMalformed;
@@ -177,8 +181,9 @@ public:
         const Reading reading = read(m_field.value());
         m_isHeld = false;
         m_isMalformed = reading == Reading::malformed;
-        if (!m_isMalformed)
+        if (!m_isMalformed) {
             ++m_next;
+        }
         return reading;
     }
 
@@ -194,8 +199,9 @@ template <class Field>
 simdjson_inline void takeInOrder(FieldCursor &cursor, FieldsRead &fields, std::size_t index,
                                  const Field &known)
 {
-    if (cursor.hasField() && cursor.isPlainly(Field::name))
+    if (cursor.hasField() && cursor.isPlainly(Field::name)) {
         fields.note(index, cursor.take(known.read));
+    }
 }
 
 /// Takes the current field, whichever it is.
@@ -216,8 +222,9 @@ template <class... Fields>
         fields.note(index, cursor.take(candidate.read));
         return true;
     };
-    if (!(takeIfNamed(known) || ...))
+    if (!(takeIfNamed(known) || ...)) {
         cursor.take([](ondemand::value &value) { return skipValue(value); });
+    }
 }
 
 /// Reads an object in one pass. The keys may come in any order; the order given here is the fastest, also
@@ -228,11 +235,13 @@ bool readObject(ondemand::object object, FieldsRead &fields, const Fields &...kn
     FieldCursor cursor(object);
     std::size_t index = 0;
     (takeInOrder(cursor, fields, index++, known), ...);
-    if (!cursor.hasField())
+    if (!cursor.hasField()) {
         return !cursor.isMalformed();
+    }
     FieldCursor rest = cursor;
-    while (rest.hasField())
+    while (rest.hasField()) {
         takeAnyOrder(rest, fields, known...);
+    }
     return !rest.isMalformed();
 }
 
@@ -255,11 +264,13 @@ public:
         const char *name = m_next;
         name += *name == ',' ? 1 : 0;
         name += *name == ' ' ? 1 : 0;
-        if (std::memcmp(name, literal.quoted, sizeof literal.quoted) != 0)
+        if (std::memcmp(name, literal.quoted, sizeof literal.quoted) != 0) {
             return false;
+        }
         m_isMalformed = m_object.find_field(literal.text()).get(value) != simdjson::SUCCESS;
-        if (m_isMalformed)
+        if (m_isMalformed) {
             return false;
+        }
         const std::string_view token = value.raw_json_token();
         m_next = token.data() + token.size();
         return true;
@@ -274,6 +285,7 @@ public:
 
     bool isAtEnd() const { return *m_next == '}'; }
     bool isMalformed() const { return m_isMalformed; }
+    const char *next() const { return m_next; }
 
 private:
     const char *m_next; ///< the token after the last value
@@ -286,11 +298,13 @@ template <class Field>
 bool takeIfNext(KeysInOrder &keys, FieldsRead &fields, std::size_t index, const Field &known)
 {
     ondemand::value value;
-    if (!keys.find<Field::literal>(value))
+    if (!keys.find<Field::literal>(value)) {
         return !keys.isMalformed();
+    }
     const char first = value.raw_json_token().front();
-    if (first == '{' || first == '[')
+    if (first == '{' || first == '[') {
         keys.stop();
+    }
     const Reading reading = known.read(value);
     fields.note(index, reading);
     return reading != Reading::malformed;
@@ -301,14 +315,17 @@ bool takeIfNext(KeysInOrder &keys, FieldsRead &fields, std::size_t index, const 
 template <class... Fields>
 bool readTopLevel(const char *firstKey, ondemand::object object, FieldsRead &fields, const Fields &...known)
 {
-    if (!firstKey)
+    if (!firstKey) {
         return readObject(object, fields, known...);
+    }
     KeysInOrder keys(firstKey, object);
     std::size_t index = 0;
-    if (!(takeIfNext(keys, fields, index++, known) && ...))
+    if (!(takeIfNext(keys, fields, index++, known) && ...)) {
         return false;
-    if (keys.isAtEnd())
+    }
+    if (keys.isAtEnd()) {
         return object.find_field("").error() == simdjson::NO_SUCH_FIELD; // passes the closing bracket
+    }
     fields = FieldsRead();
     return object.reset().error() == simdjson::SUCCESS && readObject(object, fields, known...);
 }

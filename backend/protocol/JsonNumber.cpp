@@ -24,8 +24,9 @@ std::string_view takeDigits(std::string_view &text)
 
 bool takeOneOf(std::string_view &text, std::string_view characters)
 {
-    if (text.empty() || characters.find(text.front()) == std::string_view::npos)
+    if (text.empty() || characters.find(text.front()) == std::string_view::npos) {
         return false;
+    }
     text.remove_prefix(1);
     return true;
 }
@@ -44,19 +45,22 @@ std::optional<NumberParts> numberParts(std::string_view token)
     NumberParts parts;
     parts.negative = takeOneOf(token, "-");
     parts.whole = takeDigits(token);
-    if (parts.whole.empty() || (parts.whole.size() > 1 && parts.whole.front() == '0'))
+    if (parts.whole.empty() || (parts.whole.size() > 1 && parts.whole.front() == '0')) {
         return std::nullopt;
+    }
     if (takeOneOf(token, ".")) {
         parts.fraction = takeDigits(token);
-        if (parts.fraction.empty())
+        if (parts.fraction.empty()) {
             return std::nullopt;
+        }
     }
     if (takeOneOf(token, "eE")) {
         parts.negativeExponent = !token.empty() && token.front() == '-';
         takeOneOf(token, "+-");
         parts.exponent = takeDigits(token);
-        if (parts.exponent.empty())
+        if (parts.exponent.empty()) {
             return std::nullopt;
+        }
     }
     return token.empty() ? std::optional(parts) : std::nullopt;
 }
@@ -83,25 +87,29 @@ bool isJsonNumber(std::string_view token)
 std::optional<std::int64_t> wholeNumber(std::string_view token)
 {
     const std::optional<NumberParts> parts = numberParts(token);
-    if (!parts)
+    if (!parts) {
         return std::nullopt;
+    }
 
     std::string digits;
     digits.append(parts->whole).append(parts->fraction);
     digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
-    if (digits.empty())
+    if (digits.empty()) {
         return 0;
+    }
     std::int64_t power = exponentOf(*parts) - static_cast<std::int64_t>(parts->fraction.size());
     while (digits.back() == '0') {
         digits.pop_back();
         ++power;
     }
     constexpr std::int64_t mostDigits = 19; // of a 64-bit integer
-    if (power < 0 || power > mostDigits || static_cast<std::int64_t>(digits.size()) + power > mostDigits)
+    if (power < 0 || power > mostDigits || static_cast<std::int64_t>(digits.size()) + power > mostDigits) {
         return std::nullopt;
+    }
     digits.append(static_cast<std::size_t>(power), '0');
-    if (parts->negative)
+    if (parts->negative) {
         digits.insert(digits.begin(), '-');
+    }
 
     std::int64_t value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);

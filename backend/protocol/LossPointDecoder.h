@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace zorel::backend::protocol {
 
@@ -21,6 +22,11 @@ public:
     /// Nothing for a line that is not a JSON object with an integer "step" and a number "loss". `readable` is
     /// that of EventDecoder::decode.
     std::optional<LossPoint> decode(std::string_view line, std::size_t readable = 0);
+
+    /// Appends the points of many lines, each ended by a line feed, as decode would find them one by one;
+    /// several times as fast as long as they are written as usual. EventDecoder::padding bytes must be
+    /// readable behind the last.
+    void decodeLines(std::string_view lines, std::vector<LossPoint> &points);
 
 private:
     class Implementation;

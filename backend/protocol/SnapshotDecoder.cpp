@@ -8,12 +8,14 @@ std::optional<NeuronSnapshotPayload> decodeSnapshot(std::string_view json, std::
 {
     JsonDocument document;
     ondemand::object object;
-    if (!document.open(json, readable, object))
+    if (!document.open(json, readable, object)) {
         return std::nullopt;
+    }
     std::optional<NeuronSnapshotPayload> snapshot(std::in_place);
     EventName name;
-    if (readSnapshot(object, name, *snapshot) != Reading::taken || !document.isAtEnd())
+    if (readSnapshot(object, name, *snapshot) != Reading::taken || !document.isAtEnd()) {
         return std::nullopt;
+    }
     return snapshot;
 }
 

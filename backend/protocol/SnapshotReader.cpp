@@ -14,8 +14,9 @@ Reading readTier(ondemand::value &value, NeuronActivityTier &tier)
 {
     std::string_view name;
     const Reading reading = readUtf8(value, name);
-    if (reading != Reading::taken)
+    if (reading != Reading::taken) {
         return reading;
+    }
     for (const auto &[tierName, candidate] : tiers) {
         if (tierName == name) {
             tier = candidate;
@@ -29,8 +30,9 @@ Reading readTier(ondemand::value &value, NeuronActivityTier &tier)
 simdjson_inline bool readPlainTier(ondemand::value &value, NeuronActivityTier &tier)
 {
     ondemand::raw_json_string text;
-    if (value.get_raw_json_string().get(text) != simdjson::SUCCESS)
+    if (value.get_raw_json_string().get(text) != simdjson::SUCCESS) {
         return false;
+    }
     for (const auto &[name, candidate] : tiers) {
         if (text.unsafe_is_equal(name)) {
             tier = candidate;
@@ -59,8 +61,9 @@ Reading readUnusualNeuron(ondemand::object object, VisualNeuron &neuron)
         object, fields, integerField<"index">(neuron.index), numberField<"activation">(neuron.activation),
         integerField<"dim_start">(neuron.dimStart), integerField<"dim_end">(neuron.dimEnd),
         field<"tier">([&](ondemand::value &value) { return readTier(value, neuron.tier); }));
-    if (!wellFormed)
+    if (!wellFormed) {
         return Reading::malformed;
+    }
     return fields.hasAll(0, 5) ? Reading::taken : Reading::otherType;
 }
 
@@ -68,13 +71,16 @@ simdjson_inline Reading readNeuron(ondemand::value &value, VisualNeuron &neuron)
 {
     const std::string_view start = value.raw_json_token();
     ondemand::object object;
-    if (value.get_object().get(object) != simdjson::SUCCESS)
+    if (value.get_object().get(object) != simdjson::SUCCESS) {
         return skipValue(value);
+    }
     KeysInOrder keys(start.data() + start.size(), object);
-    if (readUsualNeuron(keys, neuron))
+    if (readUsualNeuron(keys, neuron)) {
         return Reading::taken;
-    if (keys.isMalformed() || object.reset().error() != simdjson::SUCCESS)
+    }
+    if (keys.isMalformed() || object.reset().error() != simdjson::SUCCESS) {
         return Reading::malformed;
+    }
     return readUnusualNeuron(object, neuron);
 }
 
@@ -84,20 +90,24 @@ Reading readArray(ondemand::value &value, std::vector<Element> &elements, ReadEl
 {
     elements.clear();
     ondemand::array array;
-    if (value.get_array().get(array) != simdjson::SUCCESS)
+    if (value.get_array().get(array) != simdjson::SUCCESS) {
         return skipValue(value);
+    }
     Reading all = Reading::taken;
     for (simdjson::simdjson_result<ondemand::value> result : array) {
         ondemand::value elementValue;
-        if (result.get(elementValue) != simdjson::SUCCESS)
+        if (result.get(elementValue) != simdjson::SUCCESS) {
             return Reading::malformed;
+        }
         Element element;
         const Reading one = readElement(elementValue, element);
-        if (one == Reading::malformed)
+        if (one == Reading::malformed) {
             return one;
+        }
         elements.push_back(std::move(element));
-        if (one == Reading::otherType)
+        if (one == Reading::otherType) {
             all = one;
+        }
     }
     return all;
 }
@@ -107,8 +117,9 @@ Reading readArray(ondemand::value &value, std::vector<Element> &elements, ReadEl
 Reading readLayer(ondemand::value &value, LayerNeurons &layer, std::vector<VisualNeuron> &scratch)
 {
     ondemand::object object;
-    if (value.get_object().get(object) != simdjson::SUCCESS)
+    if (value.get_object().get(object) != simdjson::SUCCESS) {
         return skipValue(value);
+    }
     const auto readElement = [&](ondemand::value &element, VisualNeuron &neuron) {
         return readNeuron(element, neuron);
     };
@@ -116,10 +127,12 @@ Reading readLayer(ondemand::value &value, LayerNeurons &layer, std::vector<Visua
     const auto readNeurons = [&](ondemand::value &list) {
         return readArray(list, scratch, readElement);
     };
-    if (!readObject(object, fields, integerField<"layer">(layer.layer), field<"neurons">(readNeurons)))
+    if (!readObject(object, fields, integerField<"layer">(layer.layer), field<"neurons">(readNeurons))) {
         return Reading::malformed;
-    if (!fields.hasAll(0, 2))
+    }
+    if (!fields.hasAll(0, 2)) {
         return Reading::otherType;
+    }
     layer.neurons = scratch;
     return Reading::taken;
 }
@@ -145,8 +158,9 @@ Reading readSnapshot(ondemand::object object, EventName &name, NeuronSnapshotPay
         }),
         integerField<"hidden_dim">(snapshot.hiddenDim),
         field<"layers">([&](ondemand::value &v) { return readLayers(v, snapshot.layers); }));
-    if (!wellFormed)
+    if (!wellFormed) {
         return Reading::malformed;
+    }
     return fields.hasAll(1, 6) ? Reading::taken : Reading::otherType;
 }
 

@@ -21,8 +21,9 @@ Reading readState(ondemand::value &value, QString &state)
     };
     std::string_view name;
     const Reading reading = readUtf8(value, name);
-    if (reading != Reading::taken)
+    if (reading != Reading::taken) {
         return reading;
+    }
     for (const KnownState &known : knownStates) {
         if (known.name == name) {
             state = known.text;
@@ -44,8 +45,9 @@ Reading readOptional(ondemand::value &value, std::optional<Value> &target,
         return Reading::otherType;
     }
     const Reading reading = read(value, target.emplace());
-    if (reading != Reading::taken)
+    if (reading != Reading::taken) {
         target.reset();
+    }
     return reading;
 }
 
@@ -93,13 +95,16 @@ Reading readStatus(const char *firstKey, ondemand::object object, EventName &nam
             return orDefault(readString(value, status.prepDetail), status.prepDetail, QString());
         }),
         numberOrZero<"prep_elapsed_s">(status.prepElapsedS), numberOrZero<"prep_eta_s">(status.prepEtaS));
-    if (!wellFormed)
+    if (!wellFormed) {
         return Reading::malformed;
-    if (fields.hasAll(firstRequired, std::size(requiredKeys)))
+    }
+    if (fields.hasAll(firstRequired, std::size(requiredKeys))) {
         return Reading::taken;
+    }
     std::size_t index = 0;
-    while (fields.has(firstRequired + index))
+    while (fields.has(firstRequired + index)) {
         ++index;
+    }
     missing = requiredKeys[index];
     return Reading::otherType;
 }

@@ -27,6 +27,15 @@ struct TrainStatusPayload
     double prepEtaS = 0;     ///< seconds
 
     bool operator==(const TrainStatusPayload &) const = default;
+
+    /// Nothing is being trained: every number is 0.
+    static TrainStatusPayload idle(std::int64_t maxSteps)
+    {
+        TrainStatusPayload status;
+        status.state = QStringLiteral("idle");
+        status.maxSteps = maxSteps;
+        return status;
+    }
 };
 
 } // namespace zorel::backend::protocol

@@ -45,8 +45,9 @@ void decodeEvent(benchmark::State &state, const BufferedLine &line)
     EventDecoder decoder;
     for (auto _ : state) {
         auto event = decoder.decode(line.line(), line.readable());
-        if (event.index() != 0)
+        if (event.index() != 0) {
             std::abort();
+        }
         benchmark::DoNotOptimize(event);
     }
     state.SetItemsProcessed(state.iterations());
@@ -95,8 +96,9 @@ void walkNeuronsBare(benchmark::State &state)
 void decodeNeuronsByQt(benchmark::State &state)
 {
     const QByteArray line = QByteArray::fromStdString(zorel::bench::neuronLine(48, 64));
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(zorel::bench::neuronsByQtJson(line).value());
+    }
 }
 
 void decodeStatus(benchmark::State &state)
@@ -107,16 +109,18 @@ void decodeStatus(benchmark::State &state)
 void decodeStatusByQt(benchmark::State &state)
 {
     const QByteArray line = QByteArray::fromStdString(zorel::bench::statusLine());
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(zorel::bench::statusByQtJson(line).value());
+    }
 }
 
 void decodeLossPoint(benchmark::State &state)
 {
     const BufferedLine line(R"({"step": 12345, "loss": 2.3456789012345, "val_loss": null, "time": 1234.5})");
     LossPointDecoder decoder;
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(decoder.decode(line.line(), line.readable()).value());
+    }
     state.SetItemsProcessed(state.iterations());
 }
 

@@ -17,15 +17,17 @@ namespace {
 std::optional<QJsonObject> parsed(const QByteArray &line, QLatin1StringView event)
 {
     const QJsonDocument document = QJsonDocument::fromJson(line);
-    if (!document.isObject() || document[QLatin1StringView("event")] != QJsonValue(event))
+    if (!document.isObject() || document[QLatin1StringView("event")] != QJsonValue(event)) {
         return std::nullopt;
+    }
     return document.object();
 }
 
 NeuronActivityTier tierOf(const QString &name)
 {
-    if (name == QLatin1StringView("inactive"))
+    if (name == QLatin1StringView("inactive")) {
         return NeuronActivityTier::inactive;
+    }
     return name == QLatin1StringView("moderate") ? NeuronActivityTier::moderate : NeuronActivityTier::high;
 }
 
@@ -42,8 +44,9 @@ LayerNeurons layerOf(const QJsonObject &object)
     const QJsonArray neurons = object[QLatin1StringView("neurons")].toArray();
     LayerNeurons layer{object[QLatin1StringView("layer")].toInteger(), {}};
     layer.neurons.reserve(static_cast<std::size_t>(neurons.size()));
-    for (const QJsonValue neuron : neurons)
+    for (const QJsonValue neuron : neurons) {
         layer.neurons.push_back(neuronOf(neuron.toObject()));
+    }
     return layer;
 }
 
@@ -52,8 +55,9 @@ LayerNeurons layerOf(const QJsonObject &object)
 std::optional<NeuronSnapshotPayload> neuronsByQtJson(const QByteArray &line)
 {
     const std::optional<QJsonObject> object = parsed(line, QLatin1StringView("neurons"));
-    if (!object)
+    if (!object) {
         return std::nullopt;
+    }
     NeuronSnapshotPayload snapshot;
     snapshot.step = (*object)[QLatin1StringView("step")].toInteger();
     snapshot.final = (*object)[QLatin1StringView("final")].toBool();
@@ -62,16 +66,18 @@ std::optional<NeuronSnapshotPayload> neuronsByQtJson(const QByteArray &line)
     snapshot.hiddenDim = (*object)[QLatin1StringView("hidden_dim")].toInteger();
     const QJsonArray layers = (*object)[QLatin1StringView("layers")].toArray();
     snapshot.layers.reserve(static_cast<std::size_t>(layers.size()));
-    for (const QJsonValue layer : layers)
+    for (const QJsonValue layer : layers) {
         snapshot.layers.push_back(layerOf(layer.toObject()));
+    }
     return snapshot;
 }
 
 std::optional<TrainStatusPayload> statusByQtJson(const QByteArray &line)
 {
     const std::optional<QJsonObject> object = parsed(line, QLatin1StringView("status"));
-    if (!object)
+    if (!object) {
         return std::nullopt;
+    }
     TrainStatusPayload status;
     status.state = (*object)[QLatin1StringView("state")].toString();
     status.step = (*object)[QLatin1StringView("step")].toInteger();
@@ -81,10 +87,12 @@ std::optional<TrainStatusPayload> statusByQtJson(const QByteArray &line)
     status.gradNorm = (*object)[QLatin1StringView("grad_norm")].toDouble();
     status.tokensPerSec = (*object)[QLatin1StringView("tokens_per_sec")].toDouble();
     status.elapsedS = (*object)[QLatin1StringView("elapsed_s")].toDouble();
-    if (const QJsonValue loss = (*object)[QLatin1StringView("val_loss")]; loss.isDouble())
+    if (const QJsonValue loss = (*object)[QLatin1StringView("val_loss")]; loss.isDouble()) {
         status.valLoss = loss.toDouble();
-    if (const QJsonValue error = (*object)[QLatin1StringView("error")]; error.isString())
+    }
+    if (const QJsonValue error = (*object)[QLatin1StringView("error")]; error.isString()) {
         status.error = error.toString();
+    }
     status.prepProgress = (*object)[QLatin1StringView("prep_progress")].toDouble();
     status.prepDetail = (*object)[QLatin1StringView("prep_detail")].toString();
     status.prepElapsedS = (*object)[QLatin1StringView("prep_elapsed_s")].toDouble();

@@ -37,8 +37,9 @@ std::string neuronLine(int layers, int neuronsPerLayer)
         ", \"hidden_dim\": " + std::to_string(neuronsPerLayer * channelsPerNeuron) + ", \"layers\": [";
     for (int layer = 0; layer < layers; ++layer) {
         line += (layer > 0 ? ", {\"layer\": " : "{\"layer\": ") + std::to_string(layer) + ", \"neurons\": [";
-        for (int index = 0; index < neuronsPerLayer; ++index)
+        for (int index = 0; index < neuronsPerLayer; ++index) {
             line += (index > 0 ? ", " : "") + neuron(index, activation(random));
+        }
         line += "]}";
     }
     return line + "]}";

@@ -37,8 +37,9 @@ void libraryCalls(benchmark::State &state)
         CaldraConfiguration{u"the-key"_s, u"org"_s, ServiceEndpoints::onHost(server().host()), {}, 30});
     for (auto _ : state) {
         const SystemStatusResponse answer = client.systemStatus.overallStatus().result();
-        if (answer.components.size() != 1)
+        if (answer.components.size() != 1) {
             state.SkipWithError("wrong answer");
+        }
     }
 }
 
@@ -55,8 +56,9 @@ void curlCalls(benchmark::State &state)
     CURL *handle = curl_easy_init();
     curl_slist *headers = nullptr;
     for (const char *header :
-         {"Accept: application/json", "Authorization: Bearer the-key", "X-API-Key: the-key"})
+         {"Accept: application/json", "Authorization: Bearer the-key", "X-API-Key: the-key"}) {
         headers = curl_slist_append(headers, header);
+    }
     std::string body;
     curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
     curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);
@@ -64,8 +66,9 @@ void curlCalls(benchmark::State &state)
     curl_easy_setopt(handle, CURLOPT_WRITEDATA, &body);
     for (auto _ : state) {
         body.clear();
-        if (curl_easy_perform(handle) != CURLE_OK || body.empty())
+        if (curl_easy_perform(handle) != CURLE_OK || body.empty()) {
             state.SkipWithError("wrong answer");
+        }
     }
     curl_slist_free_all(headers);
     curl_easy_cleanup(handle);
@@ -109,14 +112,16 @@ const QByteArray &releaseList()
 
 void libraryDecode(benchmark::State &state)
 {
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(decodeJSON<Envelope<DistributionReleasesResponse>>(releaseList()));
+    }
 }
 
 void qtParse(benchmark::State &state)
 {
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(QJsonDocument::fromJson(releaseList()));
+    }
 }
 
 BENCHMARK(libraryCalls)->Iterations(sequentialCalls)->Repetitions(5)->UseRealTime();

@@ -18,12 +18,14 @@ void decodeTwice(const QByteArray &text)
     try {
         payload = decodeJSON<Envelope<Payload>>(text).data;
     } catch (const DecodingError &error) {
-        if (error.description().isEmpty())
+        if (error.description().isEmpty()) {
             std::abort();
+        }
         return;
     }
-    if (decodeJSON<Payload>(encodeJSON(payload)) != payload)
+    if (decodeJSON<Payload>(encodeJSON(payload)) != payload) {
         std::abort();
+    }
 }
 
 } // namespace

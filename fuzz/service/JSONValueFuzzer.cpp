@@ -17,11 +17,13 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, std::size_t siz
     } catch (const DecodingError &) {
         return 0;
     }
-    if (isTruncated)
+    if (isTruncated) {
         std::abort();
+    }
     try {
-        if (JSONValue::fromJSON(value.toJSON()) != value)
+        if (JSONValue::fromJSON(value.toJSON()) != value) {
             std::abort();
+        }
     } catch (const DecodingError &) {
         std::abort();
     } catch (const std::exception &) {

@@ -10,8 +10,9 @@ int main(int argc, char **argv)
     int count = 0;
     for (const QString &name : corpus.entryList(QDir::Files)) {
         QFile file(corpus.filePath(name));
-        if (!file.open(QFile::ReadOnly))
+        if (!file.open(QFile::ReadOnly)) {
             return 1;
+        }
         const QByteArray bytes = file.readAll();
         LLVMFuzzerTestOneInput(reinterpret_cast<const unsigned char *>(bytes.constData()),
                                std::size_t(bytes.size()));

@@ -30,19 +30,22 @@ CaldraConfiguration CaldraConfiguration::fromInfoDictionary(
 {
     CaldraConfiguration configuration{{}, defaultOrganizationId(), endpoints, defaultHeaders, timeout};
     configuration.apiKey = textIn(information, keys.apiKey);
-    if (configuration.apiKey.isEmpty())
+    if (configuration.apiKey.isEmpty()) {
         throw InfoPlistError(InfoPlistError::Case::missingAPIKey, keys.apiKey, bundleIdentifier);
+    }
 
     if (information.contains(keys.organizationId)) {
         configuration.organizationId = textIn(information, keys.organizationId);
-        if (configuration.organizationId.isEmpty())
+        if (configuration.organizationId.isEmpty()) {
             throw InfoPlistError(InfoPlistError::Case::emptyOrganizationId, keys.organizationId,
                                  bundleIdentifier);
+        }
     }
 
     const QString hostKey = u"CaldraServiceHost"_s;
-    if (information.contains(hostKey))
+    if (information.contains(hostKey)) {
         configuration.endpoints = endpoints.withProductionHostReplaced(textIn(information, hostKey));
+    }
     return configuration;
 }
 
@@ -50,8 +53,9 @@ QDebug operator<<(QDebug debug, const CaldraConfiguration &configuration)
 {
     const QDebugStateSaver saver(debug);
     QStringList headerNames;
-    for (const auto &header : configuration.defaultHeaders)
+    for (const auto &header : configuration.defaultHeaders) {
         headerNames << header.first;
+    }
     return debug.nospace() << "CaldraConfiguration(apiKey: [redacted], organizationId: "
                            << configuration.organizationId
                            << ", distribution: " << configuration.endpoints.distribution.toString()

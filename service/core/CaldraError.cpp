@@ -21,18 +21,21 @@ Overloaded(Arms...) -> Overloaded<Arms...>;
 
 JSONValue redactedValue(const JSONValue &value, const QString &secret)
 {
-    if (const QString *text = value.string())
+    if (const QString *text = value.string()) {
         return redacted(*text, secret);
+    }
     if (const JSONValue::Array *array = value.array()) {
         JSONValue::Array result;
-        for (const JSONValue &element : *array)
+        for (const JSONValue &element : *array) {
             result.push_back(redactedValue(element, secret));
+        }
         return result;
     }
     if (const JSONValue::Object *object = value.object()) {
         JSONValue::Object result;
-        for (const auto &[key, member] : *object)
+        for (const auto &[key, member] : *object) {
             result.insert_or_assign(redacted(key, secret), redactedValue(member, secret));
+        }
         return result;
     }
     return value;
@@ -73,8 +76,9 @@ CaldraError CaldraError::withoutSecret(const QString &secret) const
             [&](APIError error) -> Payload {
                 error.code = redacted(error.code, secret);
                 error.message = redacted(error.message, secret);
-                if (error.details)
+                if (error.details) {
                     error.details = redactedValue(*error.details, secret);
+                }
                 return error;
             },
             [&](const DecodingError &error) -> Payload {

@@ -5,8 +5,9 @@ namespace caldra {
 std::optional<QByteArray> HTTPResponse::header(const QByteArray &name) const
 {
     for (const auto &[headerName, value] : headers) {
-        if (headerName.compare(name, Qt::CaseInsensitive) == 0)
+        if (headerName.compare(name, Qt::CaseInsensitive) == 0) {
             return value;
+        }
     }
     return std::nullopt;
 }

@@ -34,8 +34,9 @@ TransportError closedEarly()
     try {
         decoded = decodeJSON<ErrorAnswer>(answer.body);
     } catch (const DecodingError &) {
-        if (!answer.body.isEmpty() && endedTooSoon(answer))
+        if (!answer.body.isEmpty() && endedTooSoon(answer)) {
             throw closedEarly();
+        }
         throw CaldraError(CaldraError::UnexpectedStatus{status, answer.body});
     }
     auto &[code, message, details] = decoded->error;
@@ -44,17 +45,20 @@ TransportError closedEarly()
 
 void judge(PendingCall &call, const TransportAnswer &answer, RedirectPolicy redirects)
 {
-    if (!answer.response)
+    if (!answer.response) {
         throw CaldraError(CaldraError::UnexpectedStatus{-1, answer.body});
+    }
     const int statusClass = answer.response->status / 100;
     const bool isRedirectAskedFor = redirects == RedirectPolicy::report && statusClass == 3;
-    if (statusClass != 2 && !isRedirectAskedFor)
+    if (statusClass != 2 && !isRedirectAskedFor) {
         throwRefusal(answer);
+    }
     try {
         call.succeed(answer);
     } catch (const DecodingError &) {
-        if (answer.response->status != 204 && endedTooSoon(answer))
+        if (answer.response->status != 204 && endedTooSoon(answer)) {
             throw closedEarly();
+        }
         throw;
     }
 }
@@ -88,60 +92,72 @@ TransportError transportErrorFrom(const std::exception_ptr &thrown)
 
 } // namespace
 
-CallRunner::CallRunner(std::shared_ptr<CaldraTransport> transport, std::shared_ptr<PendingCall> call,
-                       QString apiKey)
-    : m_transport(std::move(transport))
+CallRunner::CallRunner(QObject &parent, std::shared_ptr<CaldraTransport> transport,
+                       std::shared_ptr<PendingCall> call)
+    : QObject(&parent)
+    , m_transport(std::move(transport))
     , m_call(std::move(call))
-    , m_apiKey(std::move(apiKey))
 {}
+
+CallRunner::~CallRunner()
+{
+    giveUp();
+}
+
+void CallRunner::giveUp()
+{
+    if (!m_sending.isFinished()) {
+        m_sending.cancel();
+    }
+    m_call->cancel();
+}
 
 void CallRunner::start(const std::shared_ptr<CaldraTransport> &transport, HTTPRequest request,
                        const std::shared_ptr<PendingCall> &call, const QString &apiKey)
 {
-    QObject *context = libraryContext();
-    QMetaObject::invokeMethod(context, [=, request = std::move(request)] {
-        if (call->future().isCanceled())
+    runOnLibraryThread([=, request = std::move(request)](QObject &context) {
+        if (call->future().isCanceled()) {
             call->cancel();
-        else
-            (new CallRunner(transport, call, apiKey))->send(request);
+        } else {
+            (new CallRunner(context, transport, call))->send(request, apiKey);
+        }
     });
 }
 
-void CallRunner::send(const HTTPRequest &request)
+void CallRunner::send(const HTTPRequest &request, const QString &apiKey)
 {
-    connect(&m_watcher, &QFutureWatcher<void>::canceled, this, [this] { m_sending.cancel(); });
+    connect(&m_watcher, &QFutureWatcher<void>::canceled, this, &CallRunner::giveUp);
+    connect(&m_watcher, &QFutureWatcher<void>::finished, this, &QObject::deleteLater);
+    m_watcher.setFuture(m_call->future());
     try {
         m_sending = m_transport->send(request);
     } catch (...) {
-        m_call->fail(CaldraError(transportErrorFrom(std::current_exception())).withoutSecret(m_apiKey));
-        deleteLater();
+        m_call->fail(CaldraError(transportErrorFrom(std::current_exception())).withoutSecret(apiKey));
         return;
     }
-    m_watcher.setFuture(m_call->future());
 
-    const auto finish = [this, call = m_call, apiKey = m_apiKey,
+    // The answer may come on any thread, and when the runner is gone.
+    const auto finish = [call = m_call, apiKey,
                          redirects = request.redirects](QFuture<TransportAnswer> sent) {
-        deleteLater();
         TransportAnswer answer;
         try {
             sent.waitForFinished(); // throws what the transport threw
-            if (sent.resultCount() == 0)
+            if (sent.resultCount() == 0) {
                 throw TransportError(TransportError::Kind::other, u"The transport gave no answer."_s);
+            }
             answer = sent.result();
         } catch (...) {
             call->fail(CaldraError(transportErrorFrom(std::current_exception())).withoutSecret(apiKey));
             return;
         }
-        if (answer.body.size() <= largestDecodedInPlace)
+        if (answer.body.size() <= largestDecodedInPlace) {
             complete(*call, answer, redirects, apiKey);
-        else
+        } else {
             runBesideLibraryThread(
                 [=, answer = std::move(answer)] { complete(*call, answer, redirects, apiKey); });
+        }
     };
-    m_sending.then(QtFuture::Launch::Sync, finish).onCanceled([this, call = m_call] {
-        call->cancel();
-        deleteLater();
-    });
+    m_sending.then(QtFuture::Launch::Sync, finish).onCanceled([call = m_call] { call->cancel(); });
 }
 
 } // namespace caldra

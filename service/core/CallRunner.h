@@ -13,7 +13,8 @@ class PendingCall;
 
 /// Takes one call through its transport: sends, watches for cancellation, judges the answer.
 ///
-/// Lives on the library's thread and deletes itself.
+/// Lives on the library's thread and deletes itself. A call that is not over when that thread ends is
+/// cancelled.
 class CallRunner : public QObject
 {
 public:
@@ -21,13 +22,16 @@ public:
     static void start(const std::shared_ptr<CaldraTransport> &transport, HTTPRequest request,
                       const std::shared_ptr<PendingCall> &call, const QString &apiKey);
 
+    ~CallRunner() override;
+
 private:
-    CallRunner(std::shared_ptr<CaldraTransport> transport, std::shared_ptr<PendingCall> call, QString apiKey);
-    void send(const HTTPRequest &request);
+    CallRunner(QObject &parent, std::shared_ptr<CaldraTransport> transport,
+               std::shared_ptr<PendingCall> call);
+    void send(const HTTPRequest &request, const QString &apiKey);
+    void giveUp();
 
     std::shared_ptr<CaldraTransport> m_transport;
     std::shared_ptr<PendingCall> m_call;
-    QString m_apiKey;
     QFuture<TransportAnswer> m_sending;
     QFutureWatcher<void> m_watcher;
 };

@@ -31,6 +31,10 @@ void ConnectionPool::serveWaiting(const Origin &origin)
             connection = connections.resting.back();
             connections.resting.pop_back();
             connection->stopResting();
+            if (!connection->isReusable()) {
+                discard(*connection);
+                continue;
+            }
         } else if (connections.count < mostPerOrigin) {
             connection = new HTTPConnection(origin, m_options, this);
             ++connections.count;
@@ -45,8 +49,9 @@ void ConnectionPool::serveWaiting(const Origin &origin)
 
 void ConnectionPool::withdraw(const QObject &owner)
 {
-    for (auto &[origin, connections] : m_origins)
+    for (auto &[origin, connections] : m_origins) {
         std::erase_if(connections.waiting, [&](const Waiting &waiting) { return waiting.owner == &owner; });
+    }
 }
 
 void ConnectionPool::giveBack(HTTPConnection &connection)
@@ -58,18 +63,23 @@ void ConnectionPool::giveBack(HTTPConnection &connection)
 
 void ConnectionPool::drop(HTTPConnection &connection)
 {
-    Connections &connections = m_origins[connection.origin()];
-    std::erase(connections.resting, &connection);
-    --connections.count;
+    std::erase(m_origins[connection.origin()].resting, &connection);
+    discard(connection);
+    serveWaiting(connection.origin());
+}
+
+void ConnectionPool::discard(HTTPConnection &connection)
+{
+    --m_origins[connection.origin()].count;
     connection.abandon();
     connection.deleteLater();
-    serveWaiting(connection.origin());
 }
 
 void ConnectionPool::dropResting(const Origin &origin)
 {
-    for (HTTPConnection *connection : std::exchange(m_origins[origin].resting, {}))
+    for (HTTPConnection *connection : std::exchange(m_origins[origin].resting, {})) {
         drop(*connection);
+    }
 }
 
 } // namespace caldra

@@ -45,6 +45,7 @@ private:
     };
 
     void serveWaiting(const Origin &origin);
+    void discard(HTTPConnection &connection);
 
     const NetworkOptions m_options;
     std::map<Origin, Connections> m_origins;

@@ -25,8 +25,9 @@ const char *DecodingError::what() const noexcept
 QString DecodingPath::text() const
 {
     std::vector<const DecodingPath *> steps;
-    for (const DecodingPath *step = this; step; step = step->parent)
+    for (const DecodingPath *step = this; step; step = step->parent) {
         steps.push_back(step);
+    }
 
     QString text;
     for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
@@ -34,8 +35,9 @@ QString DecodingPath::text() const
         if (here.index >= 0) {
             text += u'[' + QString::number(here.index) + u']';
         } else if (!here.key.empty()) {
-            if (!text.isEmpty())
+            if (!text.isEmpty()) {
                 text += u'.';
+            }
             text += QString::fromUtf8(here.key.data(), qsizetype(here.key.size()));
         }
     }

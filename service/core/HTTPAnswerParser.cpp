@@ -15,8 +15,9 @@ std::optional<qint64> numberIn(const QByteArray &text, int base)
         return base == 16 ? std::isxdigit(static_cast<unsigned char>(character)) != 0
                           : character >= '0' && character <= '9';
     };
-    if (text.isEmpty() || !std::all_of(text.begin(), text.end(), isDigit))
+    if (text.isEmpty() || !std::all_of(text.begin(), text.end(), isDigit)) {
         return std::nullopt;
+    }
     bool isNumber = false;
     const qint64 number = text.toLongLong(&isNumber, base);
     return isNumber ? std::optional(number) : std::nullopt;
@@ -24,9 +25,18 @@ std::optional<qint64> numberIn(const QByteArray &text, int base)
 
 } // namespace
 
-HTTPAnswerParser::State HTTPAnswerParser::feed(const QByteArray &bytes)
+HTTPAnswerParser::State HTTPAnswerParser::feed(QByteArrayView bytes)
 {
     m_hasBegun = m_hasBegun || !bytes.isEmpty();
+    // What can only be the body goes to its reader as it lies there: a file would be copied twice otherwise.
+    if (m_reader && m_state == State::body && m_framing != Framing::chunked && m_buffer.isEmpty()) {
+        const qint64 count =
+            m_framing == Framing::length ? std::min(m_remaining, bytes.size()) : bytes.size();
+        if (!take(bytes.first(count))) {
+            return m_state;
+        }
+        bytes = bytes.sliced(count);
+    }
     m_buffer += bytes;
     while (step()) {
     }
@@ -35,10 +45,11 @@ HTTPAnswerParser::State HTTPAnswerParser::feed(const QByteArray &bytes)
 
 HTTPAnswerParser::State HTTPAnswerParser::end()
 {
-    if (m_state == State::body && m_framing == Framing::untilEnd)
+    if (m_state == State::body && m_framing == Framing::untilEnd) {
         m_state = State::complete;
-    else if (m_state == State::head || m_state == State::body)
+    } else if (m_state == State::head || m_state == State::body) {
         m_state = State::closedEarly;
+    }
     m_keepsConnection = false;
     return m_state;
 }
@@ -46,8 +57,9 @@ HTTPAnswerParser::State HTTPAnswerParser::end()
 // Returns whether there may be more to read in what has arrived.
 bool HTTPAnswerParser::step()
 {
-    if (m_state == State::head)
+    if (m_state == State::head) {
         return readHead();
+    }
     return m_state == State::body && readBody();
 }
 
@@ -62,24 +74,32 @@ bool HTTPAnswerParser::readHead()
     constexpr std::string_view beginning = "HTTP/1.";
     const auto compared = std::min(m_buffer.size(), qsizetype(beginning.size()));
     if (std::string_view(m_buffer.constData(), std::size_t(compared)) !=
-        beginning.substr(0, std::size_t(compared)))
+        beginning.substr(0, std::size_t(compared))) {
         return stop(State::malformed);
+    }
     const qsizetype headEnd = m_buffer.indexOf("\r\n\r\n");
-    if (headEnd < 0)
+    if (headEnd < 0) {
         return m_buffer.size() > largestHead && stop(State::malformed);
+    }
 
     QList<QByteArray> lines = m_buffer.left(headEnd).split('\n');
     m_buffer.remove(0, headEnd + 4);
     m_headers.clear();
-    if (!readStatusLine(lines.takeFirst()))
+    if (!readStatusLine(lines.takeFirst())) {
         return stop(State::malformed);
+    }
     for (const QByteArray &line : std::as_const(lines)) {
-        if (!readHeaderLine(line))
+        if (!readHeaderLine(line)) {
             return stop(State::malformed);
+        }
     }
     // An interim answer is followed by the real one.
-    if (m_status >= 200)
+    if (m_status >= 200) {
         chooseFraming();
+        if (m_reader && m_state != State::malformed) {
+            m_reader->head(*this);
+        }
+    }
     return m_state == State::head || m_state == State::body;
 }
 
@@ -87,8 +107,9 @@ bool HTTPAnswerParser::readStatusLine(const QByteArray &line)
 {
     const QList<QByteArray> words = line.trimmed().split(' ');
     const auto status = words.size() < 2 ? std::nullopt : numberIn(words[1], 10);
-    if (!status || *status < 100 || *status > 999 || *status == 101)
+    if (!status || *status < 100 || *status > 999 || *status == 101) {
         return false;
+    }
     m_status = int(*status);
     m_keepsConnection = words[0] == "HTTP/1.1";
     return true;
@@ -97,8 +118,9 @@ bool HTTPAnswerParser::readStatusLine(const QByteArray &line)
 bool HTTPAnswerParser::readHeaderLine(const QByteArray &line)
 {
     const qsizetype colon = line.indexOf(':');
-    if (colon <= 0 || line.front() == ' ' || line.front() == '\t')
+    if (colon <= 0 || line.front() == ' ' || line.front() == '\t') {
         return false;
+    }
     m_headers.emplace_back(line.left(colon).trimmed(), line.mid(colon + 1).trimmed());
     return true;
 }
@@ -112,16 +134,19 @@ void HTTPAnswerParser::chooseFraming()
             m_keepsConnection = false;
         } else if (name.compare("Transfer-Encoding", Qt::CaseInsensitive) == 0) {
             isEncoded = true;
-            if (value.toLower() != "chunked")
+            if (value.toLower() != "chunked") {
                 m_state = State::malformed;
+            }
         } else if (name.compare("Content-Length", Qt::CaseInsensitive) == 0) {
-            if (length && *length != value)
+            if (length && *length != value) {
                 m_state = State::malformed;
+            }
             length = value;
         }
     }
-    if (m_state == State::malformed)
+    if (m_state == State::malformed) {
         return;
+    }
 
     m_state = State::body;
     if (m_status == 204 || m_status == 304) {
@@ -134,14 +159,16 @@ void HTTPAnswerParser::chooseFraming()
     } else if (length) {
         const auto number = numberIn(*length, 10);
         m_framing = Framing::length;
+        m_announcedLength = number;
         m_remaining = number.value_or(0);
-        if (!number)
+        if (!number) {
             m_state = State::malformed;
-        else if (m_remaining > m_largestBody)
+        } else if (m_remaining > m_largestBody) {
             m_state = State::tooLarge;
-        else if (m_remaining == 0)
+        } else if (m_remaining == 0) {
             m_state = State::complete;
-        m_body.reserve(m_state == State::body ? m_remaining : 0);
+        }
+        m_body.reserve(m_state == State::body && !m_reader ? m_remaining : 0);
     } else {
         m_framing = Framing::untilEnd;
         m_keepsConnection = false;
@@ -150,28 +177,48 @@ void HTTPAnswerParser::chooseFraming()
 
 bool HTTPAnswerParser::readBody()
 {
-    if (m_framing == Framing::chunked)
+    if (m_framing == Framing::chunked) {
         return readChunk();
-    const qint64 wanted = m_framing == Framing::length ? m_remaining : m_buffer.size();
-    if (!takeIntoBody(wanted))
-        return false;
-    if (m_framing == Framing::length && m_remaining == 0)
-        m_state = State::complete;
+    }
+    takeFromBuffer(m_framing == Framing::length ? m_remaining : m_buffer.size());
     return false;
 }
 
-bool HTTPAnswerParser::takeIntoBody(qint64 atMost)
+bool HTTPAnswerParser::takeFromBuffer(qint64 atMost)
 {
     const qint64 count = std::min(atMost, m_buffer.size());
-    if (m_body.size() + count > m_largestBody)
-        return stop(State::tooLarge);
-    if (count == m_buffer.size() && m_body.isEmpty()) {
-        m_body = std::exchange(m_buffer, {});
-    } else {
-        m_body.append(m_buffer.constData(), count);
-        m_buffer.remove(0, count);
+    if (!m_reader && m_body.isEmpty() && count == m_buffer.size()) {
+        m_body.swap(m_buffer);
+        return add(count);
     }
+    const bool isTaken = take(QByteArrayView(m_buffer).first(count));
+    m_buffer.remove(0, count);
+    return isTaken;
+}
+
+bool HTTPAnswerParser::take(QByteArrayView bytes)
+{
+    if (!add(bytes.size())) {
+        return false;
+    }
+    if (!m_reader) {
+        m_body.append(bytes);
+    } else if (!bytes.isEmpty()) {
+        m_reader->body(bytes);
+    }
+    return true;
+}
+
+bool HTTPAnswerParser::add(qint64 count)
+{
+    if (m_taken + count > m_largestBody) {
+        return stop(State::tooLarge);
+    }
+    m_taken += count;
     m_remaining -= count;
+    if (m_framing == Framing::length && m_remaining == 0) {
+        m_state = State::complete;
+    }
     return true;
 }
 
@@ -179,8 +226,9 @@ std::optional<QByteArray> HTTPAnswerParser::takeLine()
 {
     const qsizetype lineEnd = m_buffer.indexOf("\r\n");
     if (lineEnd < 0) {
-        if (m_buffer.size() > largestHead)
+        if (m_buffer.size() > largestHead) {
             stop(State::malformed);
+        }
         return std::nullopt;
     }
     const QByteArray line = m_buffer.left(lineEnd);
@@ -191,22 +239,27 @@ std::optional<QByteArray> HTTPAnswerParser::takeLine()
 bool HTTPAnswerParser::readChunk()
 {
     if (m_chunkPart == ChunkPart::data) {
-        if (m_buffer.isEmpty() || !takeIntoBody(m_remaining))
+        if (m_buffer.isEmpty() || !takeFromBuffer(m_remaining)) {
             return false;
-        if (m_remaining == 0)
+        }
+        if (m_remaining == 0) {
             m_chunkPart = ChunkPart::dataEnd;
+        }
         return true;
     }
     const auto line = takeLine();
-    if (!line)
+    if (!line) {
         return false;
+    }
     switch (m_chunkPart) {
     case ChunkPart::size: {
         const auto size = numberIn(line->split(';').first().trimmed(), 16);
-        if (!size)
+        if (!size) {
             return stop(State::malformed);
-        if (*size > m_largestBody)
+        }
+        if (*size > m_largestBody) {
             return stop(State::tooLarge);
+        }
         m_remaining = *size;
         m_chunkPart = *size == 0 ? ChunkPart::trailer : ChunkPart::data;
         return true;

@@ -2,6 +2,7 @@
 
 #include "service/core/CallRunner.h"
 #include "service/core/HTTPClientRequest.h"
+#include "service/core/HTTPSyntax.h"
 
 #include <QUrlQuery>
 
@@ -34,12 +35,14 @@ QByteArray nameOf(HTTPMethod method)
 // escape them.
 bool keepsItsPlace(const QString &path)
 {
-    if (!path.startsWith(u'/'))
+    if (!path.startsWith(u'/')) {
         return false;
+    }
     const auto segments = QStringView(path).mid(1).split(u'/');
     for (const QStringView segment : segments) {
-        if (segment.isEmpty() || segment == u"." || segment == u"..")
+        if (segment.isEmpty() || segment == u"." || segment == u"..") {
             return false;
+        }
     }
     return true;
 }
@@ -47,25 +50,16 @@ bool keepsItsPlace(const QString &path)
 std::chrono::milliseconds wholeTime(double seconds)
 {
     constexpr double longest = 7 * 24 * 3600;
-    if (!(seconds > 0))
+    if (!(seconds > 0)) {
         seconds = 60;
+    }
     return std::chrono::milliseconds(std::max(1LL, std::llround(std::min(seconds, longest) * 1000)));
 }
 
 void setHeader(HTTPHeaders &headers, const QByteArray &name, const QByteArray &value)
 {
-    const auto isWord = [](char character) {
-        return std::isalnum(static_cast<unsigned char>(character)) ||
-               std::string_view("!#$%&'*+-.^_`|~").find(character) != std::string_view::npos;
-    };
-    const auto isForbidden = [](char character) {
-        return character == '\r' || character == '\n' || character == '\0';
-    };
-    if (name.isEmpty() || !std::all_of(name.begin(), name.end(), isWord) ||
-        std::any_of(value.begin(), value.end(), isForbidden)) {
-        throw CaldraError(TransportError(
-            TransportError::Kind::unusableRequest,
-            u"The header \"%1\" holds a character that no header may hold."_s.arg(QString::fromUtf8(name))));
+    if (!isHTTPToken(name) || !isHTTPHeaderValue(value)) {
+        throw CaldraError(TransportError(TransportError::Kind::unusableRequest, unusableHeaderText(name)));
     }
     for (auto &[headerName, headerValue] : headers) {
         if (headerName.compare(name, Qt::CaseInsensitive) == 0) {
@@ -83,13 +77,15 @@ public:
     {
         const HTTPResponse &response = *answer.response;
         const auto location = response.header("Location");
-        if (response.status / 100 != 3 || !location || location->isEmpty())
+        if (response.status / 100 != 3 || !location || location->isEmpty()) {
             throw CaldraError(CaldraError::UnexpectedStatus{response.status, answer.body});
+        }
         const QUrl url = response.url.resolved(QUrl::fromEncoded(*location));
         const bool isDowngrade = response.url.scheme() == "https"_L1 && url.scheme() != "https"_L1;
-        if (!isAllowedAddress(url) || isDowngrade)
+        if (!isAllowedAddress(url) || isDowngrade) {
             throw TransportError(TransportError::Kind::refusedRedirect,
                                  u"The service redirected to an address that is not allowed."_s);
+        }
         finishWith(url);
     }
 };
@@ -117,24 +113,29 @@ HTTPRequest HTTPClient::makeRequest(HTTPMethod method, const QString &path, cons
     QStringList items;
     for (const auto &[name, value] : query) {
         // "+" is encoded as well: many servers read it as a space.
-        if (value)
+        if (value) {
             items << pathSegment(name) + u'=' + pathSegment(*value);
+        }
     }
-    if (!items.isEmpty())
+    if (!items.isEmpty()) {
         url.setQuery(items.join(u'&'), QUrl::StrictMode);
-    if (!isAllowedAddress(url) || !keepsItsPlace(travellingPath))
+    }
+    if (!isAllowedAddress(url) || !keepsItsPlace(travellingPath)) {
         throw CaldraError(CaldraError::InvalidURL{path}).withoutSecret(configuration.apiKey);
+    }
 
     HTTPRequest request{nameOf(method), url, {}, std::move(body), wholeTime(configuration.timeout)};
-    if (request.body)
+    if (request.body) {
         setHeader(request.headers, "Content-Type", "application/json");
+    }
     setHeader(request.headers, "Accept", "application/json");
     if (requiresAuth) {
         setHeader(request.headers, "Authorization", "Bearer " + configuration.apiKey.toUtf8());
         setHeader(request.headers, "X-API-Key", configuration.apiKey.toUtf8());
     }
-    for (const auto &[name, value] : configuration.defaultHeaders)
+    for (const auto &[name, value] : configuration.defaultHeaders) {
         setHeader(request.headers, name.toUtf8(), value.toUtf8());
+    }
     return request;
 }
 

@@ -10,6 +10,8 @@
 
 #include <QPromise>
 
+#include <atomic>
+
 namespace caldra {
 
 namespace detail {
@@ -22,14 +24,18 @@ public:
 
     void fail(const CaldraError &error) override
     {
-        m_promise.setException(std::make_exception_ptr(error));
-        m_promise.finish();
+        if (isFirst()) {
+            m_promise.setException(std::make_exception_ptr(error));
+            m_promise.finish();
+        }
     }
 
     void cancel() override
     {
-        m_promise.future().cancel();
-        m_promise.finish();
+        if (isFirst()) {
+            m_promise.future().cancel();
+            m_promise.finish();
+        }
     }
 
     QFuture<void> future() override { return QFuture<void>(m_promise.future()); }
@@ -38,12 +44,17 @@ public:
 protected:
     void finishWith(Value value)
     {
-        m_promise.addResult(std::move(value));
-        m_promise.finish();
+        if (isFirst()) {
+            m_promise.addResult(std::move(value));
+            m_promise.finish();
+        }
     }
 
 private:
+    bool isFirst() { return !m_isOver.test_and_set(); }
+
     QPromise<Value> m_promise;
+    std::atomic_flag m_isOver;
 };
 
 template <class Answer>

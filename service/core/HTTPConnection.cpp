@@ -7,6 +7,8 @@
 #include <QSslConfiguration>
 #include <QSslSocket>
 
+#include <poll.h>
+
 using namespace Qt::StringLiterals;
 
 namespace caldra {
@@ -14,6 +16,9 @@ namespace caldra {
 namespace {
 
 constexpr std::chrono::seconds longestRest{60};
+/// Small enough to stay in the processor's memory on its way from the system and back to it.
+constexpr qsizetype blockSize = qsizetype{256} << 10;
+constexpr qint64 decryptedAhead = qint64{1} << 20;
 
 bool has(const HTTPHeaders &headers, const QByteArray &name)
 {
@@ -26,8 +31,9 @@ bool has(const HTTPHeaders &headers, const QByteArray &name)
 bool isOwnHeader(const QByteArray &name)
 {
     for (const char *own : {"Host", "Connection", "Content-Length", "Transfer-Encoding", "Accept-Encoding"}) {
-        if (name.compare(own, Qt::CaseInsensitive) == 0)
+        if (name.compare(own, Qt::CaseInsensitive) == 0) {
             return true;
+        }
     }
     return false;
 }
@@ -35,22 +41,29 @@ bool isOwnHeader(const QByteArray &name)
 QByteArray bytesOf(const HTTPRequest &request)
 {
     QByteArray target = request.url.path(QUrl::FullyEncoded).toLatin1();
-    if (target.isEmpty())
+    if (target.isEmpty()) {
         target = "/";
-    if (request.url.hasQuery())
+    }
+    if (request.url.hasQuery()) {
         target += '?' + request.url.query(QUrl::FullyEncoded).toLatin1();
+    }
     const QByteArray host = request.url.authority(QUrl::FullyEncoded | QUrl::RemoveUserInfo).toLatin1();
 
-    QByteArray bytes = request.method + ' ' + target + " HTTP/1.1\r\nHost: " + host + "\r\n";
+    // Nothing here takes an encoding off again, so that none is wanted.
+    QByteArray bytes =
+        request.method + ' ' + target + " HTTP/1.1\r\nHost: " + host + "\r\nAccept-Encoding: identity\r\n";
     for (const auto &[name, value] : request.headers) {
-        if (!isOwnHeader(name))
+        if (!isOwnHeader(name)) {
             bytes += name + ": " + value + "\r\n";
+        }
     }
-    if (!has(request.headers, "User-Agent"))
+    if (!has(request.headers, "User-Agent")) {
         bytes += "User-Agent: Caldra/" + QByteArray(libraryVersion.data(), qsizetype(libraryVersion.size())) +
                  "\r\n";
-    if (request.body)
+    }
+    if (request.body) {
         bytes += "Content-Length: " + QByteArray::number(request.body->size()) + "\r\n";
+    }
     bytes += "\r\n";
     return bytes + request.body.value_or(QByteArray());
 }
@@ -72,10 +85,11 @@ HTTPConnection::HTTPConnection(const Origin &origin, const NetworkOptions &optio
     connect(m_socket, &QTcpSocket::readyRead, this, &HTTPConnection::read);
     connect(m_socket, &QTcpSocket::errorOccurred, this, &HTTPConnection::handleEnd);
     connect(m_socket, &QTcpSocket::disconnected, this, &HTTPConnection::handleEnd);
-    if (auto *encrypted = qobject_cast<QSslSocket *>(m_socket))
+    if (auto *encrypted = qobject_cast<QSslSocket *>(m_socket)) {
         connect(encrypted, &QSslSocket::encrypted, this, &HTTPConnection::write);
-    else
+    } else {
         connect(m_socket, &QTcpSocket::connected, this, &HTTPConnection::write);
+    }
     m_restLimit.setSingleShot(true);
     connect(&m_restLimit, &QTimer::timeout, this, &HTTPConnection::handleEnd);
 }
@@ -99,14 +113,27 @@ void HTTPConnection::abandon()
 void HTTPConnection::send(const HTTPRequest &request, Finished finished, Failed failed)
 {
     m_parser.emplace(m_options.largestBody);
+    begin(request, std::move(finished), std::move(failed));
+}
+
+void HTTPConnection::stream(const HTTPRequest &request, AnswerReader reader, Finished finished, Failed failed)
+{
+    m_block = QByteArray(blockSize, Qt::Uninitialized);
+    m_parser.emplace(m_options.largestBody, std::move(reader));
+    begin(request, std::move(finished), std::move(failed));
+}
+
+void HTTPConnection::begin(const HTTPRequest &request, Finished finished, Failed failed)
+{
     m_finished = std::move(finished);
     m_failed = std::move(failed);
     m_outgoing = bytesOf(request);
     m_isReused = m_socket->state() == QAbstractSocket::ConnectedState;
-    if (m_isReused)
+    if (m_isReused) {
         write();
-    else
+    } else {
         open();
+    }
 }
 
 void HTTPConnection::open()
@@ -117,18 +144,23 @@ void HTTPConnection::open()
     url.setPort(m_origin.port);
     // A loopback address is never reached through a proxy, whatever the system's settings say.
     QNetworkProxy proxy(QNetworkProxy::NoProxy);
-    if (!isLoopback(url))
+    if (!isLoopback(url)) {
         proxy = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)).value(0);
-    if (proxy.type() == QNetworkProxy::HttpCachingProxy)
+    }
+    if (proxy.type() == QNetworkProxy::HttpCachingProxy) {
         proxy.setType(QNetworkProxy::HttpProxy);
+    }
     m_socket->setProxy(proxy);
 
     m_isOpening = true;
     auto *encrypted = qobject_cast<QSslSocket *>(m_socket);
     if (!encrypted) {
-        m_socket->connectToHost(m_origin.host, m_origin.port);
+        // A stream goes from the system into the block, without a stop in the socket's own buffer.
+        const auto buffering = m_block.isEmpty() ? QIODevice::NotOpen : QIODevice::Unbuffered;
+        m_socket->connectToHost(m_origin.host, m_origin.port, QIODevice::ReadWrite | buffering);
         return;
     }
+    encrypted->setReadBufferSize(m_block.isEmpty() ? 0 : decryptedAhead);
     QSslConfiguration security = QSslConfiguration::defaultConfiguration();
     security.addCaCertificates(m_options.trustedAuthorities);
     encrypted->setSslConfiguration(security);
@@ -137,8 +169,9 @@ void HTTPConnection::open()
 
 void HTTPConnection::write()
 {
-    if (m_isOpening)
+    if (m_isOpening) {
         m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    }
     m_isOpening = false;
     m_socket->write(std::exchange(m_outgoing, {}));
     m_socket->flush();
@@ -146,11 +179,31 @@ void HTTPConnection::write()
 
 void HTTPConnection::read()
 {
-    const QByteArray bytes = m_socket->readAll();
     if (!m_parser) {
+        m_socket->readAll();
         handleEnd(); // bytes that nobody asked for
-        return;
+    } else if (m_block.isEmpty()) {
+        feed(m_socket->readAll());
+    } else {
+        readIntoBlock();
     }
+}
+
+void HTTPConnection::readIntoBlock()
+{
+    do {
+        const qint64 count = m_socket->read(m_block.data(), m_block.size());
+        if (count < 0) {
+            handleEnd(); // which an unbuffered socket tells here alone
+            return;
+        }
+        feed(QByteArrayView(m_block.constData(), count));
+        // An unbuffered socket tells of the rest by itself, and others on this thread have their turn before.
+    } while (m_parser && m_origin.isEncrypted && m_socket->bytesAvailable() > 0);
+}
+
+void HTTPConnection::feed(QByteArrayView bytes)
+{
     switch (m_parser->feed(bytes)) {
     case HTTPAnswerParser::State::head:
     case HTTPAnswerParser::State::body:
@@ -163,8 +216,9 @@ void HTTPConnection::read()
 void HTTPConnection::handleEnd()
 {
     if (!m_parser) {
-        if (const auto ended = std::exchange(m_ended, {}))
+        if (const auto ended = std::exchange(m_ended, {})) {
             ended();
+        }
         return;
     }
     const auto error = m_socket->error();
@@ -214,6 +268,15 @@ void HTTPConnection::rest(std::function<void()> ended)
 {
     m_ended = std::move(ended);
     m_restLimit.start(longestRest);
+}
+
+bool HTTPConnection::isReusable() const
+{
+    // What has arrived while the thread was busy is still with the system: the end of the connection, or
+    // bytes that would be taken for the next request's answer.
+    pollfd waiting{int(m_socket->socketDescriptor()), POLLIN, 0};
+    return m_socket->state() == QAbstractSocket::ConnectedState && m_socket->bytesAvailable() == 0 &&
+           ::poll(&waiting, 1, 0) == 0;
 }
 
 void HTTPConnection::stopResting()

@@ -13,10 +13,13 @@ InfoPlistError::InfoPlistError(Case errorCase, QString key, std::optional<QStrin
 
 QString InfoPlistError::description() const
 {
-    const QString bundle = m_bundleIdentifier ? u" in bundle "_s + *m_bundleIdentifier : QString();
-    if (m_case == Case::missingAPIKey)
+    // A bundle without an identifier may report an empty one, which says nothing.
+    const bool isKnown = m_bundleIdentifier && !m_bundleIdentifier->isEmpty();
+    const QString bundle = isKnown ? u" in bundle "_s + *m_bundleIdentifier : QString();
+    if (m_case == Case::missingAPIKey) {
         return u"Caldra: missing API key. Add a `"_s + m_key + u"` entry to your target's Info.plist"_s +
                bundle + u" (string value, no quotes)."_s;
+    }
     return u"Caldra: `"_s + m_key + u"` Info.plist entry"_s + bundle +
            u" is empty. Remove the key to fall back to the default organization, or set a non-empty string."_s;
 }

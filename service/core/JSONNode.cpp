@@ -37,16 +37,18 @@ QByteArray withWideIntegersAsFloatingPoint(const QByteArray &text)
     for (qsizetype at = 0; at < text.size();) {
         const char character = text[at];
         if (inText || (!isDigit(character) && character != '-')) {
-            if (inText && character == '\\' && at + 1 < text.size())
+            if (inText && character == '\\' && at + 1 < text.size()) {
                 result += text[at++];
-            else if (character == '"')
+            } else if (character == '"') {
                 inText = !inText;
+            }
             result += text[at++];
             continue;
         }
         const qsizetype begin = at++;
-        while (at < text.size() && isDigit(text[at]))
+        while (at < text.size() && isDigit(text[at])) {
             ++at;
+        }
         const bool isWide = at - begin > widestSafe;
         const bool isInteger = at == text.size() || (text[at] != '.' && text[at] != 'e' && text[at] != 'E');
         result.append(text.constData() + begin, at - begin);
@@ -54,9 +56,10 @@ QByteArray withWideIntegersAsFloatingPoint(const QByteArray &text)
             result += "e0";
         } else {
             // The rest of the number must not be taken for another one.
-            while (at < text.size() &&
-                   (isDigit(text[at]) || std::string_view(".eE+-").find(text[at]) != std::string_view::npos))
+            while (at < text.size() && (isDigit(text[at]) ||
+                                        std::string_view(".eE+-").find(text[at]) != std::string_view::npos)) {
                 result += text[at++];
+            }
         }
     }
     return result;
@@ -98,11 +101,13 @@ JSONDocument::JSONDocument(const QByteArray &text)
     // Versions of the parser name the refusal of a wide integer differently.
     if (error && error != simdjson::UTF8_ERROR && error != simdjson::DEPTH_ERROR) {
         const QByteArray widened = withWideIntegersAsFloatingPoint(text);
-        if (widened.size() != text.size())
+        if (widened.size() != text.size()) {
             error = parse(widened);
+        }
     }
-    if (error)
+    if (error) {
         throw DecodingError({}, reasonFor(error));
+    }
 }
 
 JSONDocument::~JSONDocument() = default;
@@ -144,14 +149,17 @@ bool JSONNode::boolean() const
 std::optional<qint64> JSONNode::integer() const
 {
     const Element element = elementIn(m_element);
-    if (element.is_int64())
+    if (element.is_int64()) {
         return element.get_int64().value();
-    if (element.is_uint64())
+    }
+    if (element.is_uint64()) {
         return std::nullopt;
+    }
     const double value = number();
     constexpr double limit = 9223372036854775808.0; // 2^63
-    if (std::trunc(value) != value || value < -limit || value >= limit)
+    if (std::trunc(value) != value || value < -limit || value >= limit) {
         return std::nullopt;
+    }
     return qint64(value);
 }
 
@@ -193,22 +201,25 @@ void JSONNode::visitMembers(void *visitor, void (*visit)(void *, std::string_vie
 bool isTruncatedJSON(const QByteArray &text)
 {
     const QByteArray trimmed = text.trimmed();
-    if (trimmed.isEmpty())
+    if (trimmed.isEmpty()) {
         return true;
-    if (trimmed.front() != '{' && trimmed.front() != '[')
+    }
+    if (trimmed.front() != '{' && trimmed.front() != '[') {
         return false;
+    }
     qsizetype depth = 0;
     bool inText = false;
     for (qsizetype at = 0; at < trimmed.size(); ++at) {
         const char character = trimmed[at];
-        if (inText && character == '\\')
+        if (inText && character == '\\') {
             ++at;
-        else if (character == '"')
+        } else if (character == '"') {
             inText = !inText;
-        else if (!inText && (character == '{' || character == '['))
+        } else if (!inText && (character == '{' || character == '[')) {
             ++depth;
-        else if (!inText && (character == '}' || character == ']') && --depth == 0)
+        } else if (!inText && (character == '}' || character == ']') && --depth == 0) {
             return false;
+        }
     }
     return true;
 }

@@ -68,8 +68,9 @@ JSONValue JSONValue::decoded(const JSONNode &node, const DecodingPath &path)
         return node.boolean();
     case JSONNode::Kind::integer:
     case JSONNode::Kind::number:
-        if (const auto integer = node.integer())
+        if (const auto integer = node.integer()) {
             return *integer;
+        }
         return node.number();
     case JSONNode::Kind::text:
         return textOf(node.text());
@@ -94,8 +95,9 @@ JSONValue JSONValue::decoded(const JSONNode &node, const DecodingPath &path)
 
 QJsonValue JSONValue::encoded(int depth) const
 {
-    if (depth > deepestNesting)
+    if (depth > deepestNesting) {
         throw EncodingError("The value is nested too deeply for JSON.");
+    }
     switch (kind()) {
     case Kind::null:
         return QJsonValue::Null;
@@ -104,21 +106,24 @@ QJsonValue JSONValue::encoded(int depth) const
     case Kind::integer:
         return *integer();
     case Kind::number:
-        if (!std::isfinite(*number()))
+        if (!std::isfinite(*number())) {
             throw EncodingError("JSON has no number that is not finite.");
+        }
         return *number();
     case Kind::string:
         return *string();
     case Kind::array: {
         QJsonArray result;
-        for (const JSONValue &element : *array())
+        for (const JSONValue &element : *array()) {
             result.append(element.encoded(depth + 1));
+        }
         return result;
     }
     case Kind::object: {
         QJsonObject result;
-        for (const auto &[key, member] : *object())
+        for (const auto &[key, member] : *object()) {
             result.insert(key, member.encoded(depth + 1));
+        }
         return result;
     }
     }

@@ -2,6 +2,7 @@
 
 #include "service/core/ConnectionPool.h"
 #include "service/core/HTTPConnection.h"
+#include "service/core/HTTPSyntax.h"
 #include "service/core/ServiceEndpoints.h"
 
 using namespace Qt::StringLiterals;
@@ -16,9 +17,18 @@ bool mayRepeat(const HTTPRequest &request)
     return request.method == "GET" || request.method == "PUT" || request.method == "DELETE";
 }
 
-bool isRedirect(int status)
+// Whoever calls the transport directly has had nobody look at the request.
+QString complaintAbout(const HTTPRequest &request)
 {
-    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+    if (!isHTTPToken(request.method)) {
+        return u"The request's method is no word of HTTP."_s;
+    }
+    for (const auto &[name, value] : request.headers) {
+        if (!isHTTPToken(name) || !isHTTPHeaderValue(value)) {
+            return unusableHeaderText(name);
+        }
+    }
+    return {};
 }
 
 } // namespace
@@ -51,6 +61,10 @@ void NetworkExchange::start()
     m_deadline.setSingleShot(true);
     m_deadline.setTimerType(Qt::PreciseTimer);
     m_deadline.start(m_request.timeout);
+    if (const QString complaint = complaintAbout(m_request); !complaint.isEmpty()) {
+        fail(TransportError::Kind::unusableRequest, complaint);
+        return;
+    }
     sendOnce();
 }
 
@@ -84,10 +98,11 @@ void NetworkExchange::sendOver(HTTPConnection &connection)
 void NetworkExchange::take(HTTPAnswerParser &answer)
 {
     HTTPConnection *connection = std::exchange(m_connection, nullptr);
-    if (answer.keepsConnection())
+    if (answer.keepsConnection()) {
         m_pool.giveBack(*connection);
-    else
+    } else {
         m_pool.drop(*connection);
+    }
 
     const HTTPResponse response{answer.status(), answer.takeHeaders(), m_request.url};
     const auto location = response.header("Location");
@@ -151,8 +166,9 @@ void NetworkExchange::dropConnection()
 {
     m_deadline.stop();
     m_pool.withdraw(*this);
-    if (HTTPConnection *connection = std::exchange(m_connection, nullptr))
+    if (HTTPConnection *connection = std::exchange(m_connection, nullptr)) {
         m_pool.drop(*connection);
+    }
 }
 
 } // namespace caldra

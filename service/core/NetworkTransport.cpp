@@ -5,7 +5,6 @@
 #include "service/core/NetworkExchange.h"
 
 #include <QPointer>
-#include <QThread>
 
 namespace caldra {
 
@@ -17,8 +16,9 @@ struct NetworkTransport::Shared
 
     ConnectionPool &usablePool(QObject *context)
     {
-        if (!pool)
+        if (!pool) {
             pool = new ConnectionPool(options, context);
+        }
         return *pool;
     }
 };
@@ -29,30 +29,24 @@ NetworkTransport::NetworkTransport(NetworkOptions options)
 
 NetworkTransport::~NetworkTransport()
 {
-    if (QObject *context = runningLibraryContext()) {
-        QMetaObject::invokeMethod(context, [shared = m_shared] {
-            if (shared->pool)
-                shared->pool->deleteLater();
-        });
-    }
+    const auto dropPool = [shared = m_shared](QObject &) {
+        if (shared->pool) {
+            shared->pool->deleteLater();
+        }
+    };
+    runOnLibraryThread(dropPool, ThreadStart::never);
 }
 
 QFuture<TransportAnswer> NetworkTransport::send(const HTTPRequest &request)
 {
-    QPromise<TransportAnswer> promise;
-    promise.start();
-    QFuture<TransportAnswer> future = promise.future();
-    QObject *context = libraryContext();
-    auto begin = [context, shared = m_shared, request = request, promise = std::move(promise)]() mutable {
-        auto *exchange = new NetworkExchange(shared->usablePool(context), shared->options, std::move(request),
-                                             std::move(promise));
+    const auto promise = std::make_shared<QPromise<TransportAnswer>>();
+    promise->start();
+    QFuture<TransportAnswer> future = promise->future();
+    runOnLibraryThread([shared = m_shared, request, promise](QObject &context) {
+        auto *exchange =
+            new NetworkExchange(shared->usablePool(&context), shared->options, request, std::move(*promise));
         exchange->start();
-    };
-    if (context->thread() == QThread::currentThread())
-        begin();
-    else
-        QMetaObject::invokeMethod(
-            context, [later = std::make_shared<decltype(begin)>(std::move(begin))] { (*later)(); });
+    });
     return future;
 }
 

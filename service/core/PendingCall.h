@@ -7,7 +7,8 @@ namespace caldra {
 class CaldraError;
 struct TransportAnswer;
 
-/// A call whose caller holds a future of some type.
+/// A call whose caller holds a future of some type. Succeeds, fails or is cancelled once, on whatever thread
+/// comes first; what comes later changes nothing.
 class PendingCall
 {
 public:

@@ -13,8 +13,9 @@ QueryItems queryItems(const T &record)
     const auto add = [&]<class Entry>(const Entry &entry) {
         using Value = typename Entry::ValueType::value_type;
         const auto &value = record.*entry.member;
-        if (!value)
+        if (!value) {
             return;
+        }
         const QString name = QString::fromLatin1(entry.name.data(), qsizetype(entry.name.size()));
         if constexpr (std::is_same_v<Value, QString>) {
             items.emplace_back(name, *value);

@@ -40,8 +40,9 @@ bool isNumber(const JSONNode &node)
 
 void requireKind(const JSONNode &node, JSONNode::Kind kind, const DecodingPath &path)
 {
-    if (node.kind() != kind)
+    if (node.kind() != kind) {
         failKind(node, nameOf(kind), path);
+    }
 }
 
 bool decodeBoolean(const JSONNode &node, const DecodingPath &path)
@@ -52,18 +53,21 @@ bool decodeBoolean(const JSONNode &node, const DecodingPath &path)
 
 qint64 decodeInteger(const JSONNode &node, const DecodingPath &path)
 {
-    if (!isNumber(node))
+    if (!isNumber(node)) {
         failKind(node, u"an integer"_s, path);
+    }
     const auto integer = node.integer();
-    if (!integer)
+    if (!integer) {
         failDecoding(path, u"expected an integer of 64 bits, found %1"_s.arg(node.number()));
+    }
     return *integer;
 }
 
 double decodeNumber(const JSONNode &node, const DecodingPath &path)
 {
-    if (!isNumber(node))
+    if (!isNumber(node)) {
         failKind(node, u"a number"_s, path);
+    }
     return node.number();
 }
 

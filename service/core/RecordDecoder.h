@@ -69,8 +69,11 @@ void decodeRecord(const JSONNode &node, T &value, const DecodingPath &path, std:
     std::array<bool, sizeof...(index) + 1> found{};
     node.forEachMember([&](std::string_view key, const JSONNode &member) {
         const auto decodeIf = [&](const auto &entry, bool &isFound) {
-            if (entry.name != key)
-                return false;
+            if (entry.name != key) {
+                {
+                    return false;
+                }
+            }
             decodeValue(member, value.*entry.member, {&path, key});
             isFound = true;
             return true;
@@ -79,8 +82,11 @@ void decodeRecord(const JSONNode &node, T &value, const DecodingPath &path, std:
     });
     const auto require = [&]<class Entry>(const Entry &entry, bool isFound) {
         if constexpr (!isOptionalField<typename Entry::ValueType>) {
-            if (!isFound)
-                failMissing(entry.name, path);
+            if (!isFound) {
+                {
+                    failMissing(entry.name, path);
+                }
+            }
         }
     };
     (require(std::get<index>(T::fields), found[index]), ...);
@@ -108,10 +114,15 @@ void decodeValue(const JSONNode &node, T &value, const DecodingPath &path)
     } else if constexpr (WireEnumeration<T>) {
         detail::decodeEnumeration(node, value, path);
     } else if constexpr (isOptionalField<T>) {
-        if (node.kind() == JSONNode::Kind::null)
-            value.reset();
-        else
-            decodeValue(node, value.emplace(), path);
+        if (node.kind() == JSONNode::Kind::null) {
+            {
+                value.reset();
+            }
+        } else {
+            {
+                decodeValue(node, value.emplace(), path);
+            }
+        }
     } else if constexpr (isListField<T>) {
         detail::decodeList(node, value, path);
     } else if constexpr (isTextMapField<T>) {
@@ -119,8 +130,12 @@ void decodeValue(const JSONNode &node, T &value, const DecodingPath &path)
     } else if constexpr (Record<T>) {
         using Fields = std::remove_cvref_t<decltype(T::fields)>;
         // A record without fields asks nothing of what stands in its place.
-        if constexpr (std::tuple_size_v < Fields >> 0)
-            detail::decodeRecord(node, value, path, std::make_index_sequence<std::tuple_size_v<Fields>>());
+        if constexpr (std::tuple_size_v < Fields >> 0) {
+            {
+                detail::decodeRecord(node, value, path,
+                                     std::make_index_sequence<std::tuple_size_v<Fields>>());
+            }
+        }
     } else {
         static_assert(isUnsupportedField<T>, "no JSON form is known for a field of this type");
     }

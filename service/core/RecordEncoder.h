@@ -32,13 +32,19 @@ QJsonValue encodeValue(const T &value)
         return detail::encodeText(wireText(value));
     } else if constexpr (isListField<T>) {
         QJsonArray array;
-        for (const auto &element : value)
-            array.append(encodeValue(element));
+        for (const auto &element : value) {
+            {
+                array.append(encodeValue(element));
+            }
+        }
         return array;
     } else if constexpr (isTextMapField<T>) {
         QJsonObject object;
-        for (const auto &[key, member] : value)
-            object.insert(key, encodeValue(member));
+        for (const auto &[key, member] : value) {
+            {
+                object.insert(key, encodeValue(member));
+            }
+        }
         return object;
     } else if constexpr (Record<T>) {
         return encodeRecord(value);
@@ -55,10 +61,15 @@ QJsonObject encodeRecord(const T &record)
     const auto encodeField = [&]<class Entry>(const Entry &entry) {
         const auto &value = record.*entry.member;
         const QString key = detail::encodeText(entry.name);
-        if constexpr (!isOptionalField<typename Entry::ValueType>)
-            object.insert(key, encodeValue(value));
-        else if (value)
-            object.insert(key, encodeValue(*value));
+        if constexpr (!isOptionalField<typename Entry::ValueType>) {
+            {
+                object.insert(key, encodeValue(value));
+            }
+        } else if (value) {
+            {
+                object.insert(key, encodeValue(*value));
+            }
+        }
     };
     std::apply([&](const auto &...entry) { (encodeField(entry), ...); }, T::fields);
     return object;

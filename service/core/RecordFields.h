@@ -72,8 +72,11 @@ template <WireEnumeration Enumeration>
 constexpr std::string_view wireText(Enumeration value)
 {
     for (const auto &entry : wireTexts(value)) {
-        if (entry.value == value)
-            return entry.text;
+        if (entry.value == value) {
+            {
+                return entry.text;
+            }
+        }
     }
     return {};
 }

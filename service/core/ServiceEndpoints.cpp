@@ -35,13 +35,16 @@ QString productionHost()
 ServiceEndpoints ServiceEndpoints::onHost(const QString &host)
 {
     QString root = host.trimmed();
-    while (root.endsWith(u'/'))
+    while (root.endsWith(u'/')) {
         root.chop(1);
-    if (!root.contains("://"_L1))
+    }
+    if (!root.contains("://"_L1)) {
         root.prepend("https://"_L1);
+    }
     ServiceEndpoints endpoints;
-    for (const Segment &segment : segments)
+    for (const Segment &segment : segments) {
         endpoints.*segment.endpoint = QUrl(root + u'/' + segment.name, QUrl::StrictMode);
+    }
     return endpoints;
 }
 
@@ -56,8 +59,9 @@ ServiceEndpoints ServiceEndpoints::withProductionHostReplaced(const QString &hos
     const ServiceEndpoints after = onHost(host);
     ServiceEndpoints result = *this;
     for (const Segment &segment : segments) {
-        if (result.*segment.endpoint == before.*segment.endpoint)
+        if (result.*segment.endpoint == before.*segment.endpoint) {
             result.*segment.endpoint = after.*segment.endpoint;
+        }
     }
     return result;
 }
@@ -70,8 +74,9 @@ bool isLoopback(const QUrl &url)
 
 bool isAllowedAddress(const QUrl &url)
 {
-    if (!url.isValid() || url.host().isEmpty() || !url.userInfo().isEmpty())
+    if (!url.isValid() || url.host().isEmpty() || !url.userInfo().isEmpty()) {
         return false;
+    }
     return url.scheme() == "https"_L1 || (url.scheme() == "http"_L1 && isLoopback(url));
 }
 

@@ -14,10 +14,12 @@ namespace {
 CaldraClient clientFromEnvironment()
 {
     QVariantMap information{{u"CaldraAPIKey"_s, qEnvironmentVariable("CALDRA_API_KEY")}};
-    if (qEnvironmentVariableIsSet("CALDRA_ORGANIZATION_ID"))
+    if (qEnvironmentVariableIsSet("CALDRA_ORGANIZATION_ID")) {
         information.insert(u"CaldraOrganizationId"_s, qEnvironmentVariable("CALDRA_ORGANIZATION_ID"));
-    if (qEnvironmentVariableIsSet("CALDRA_SERVICE_HOST"))
+    }
+    if (qEnvironmentVariableIsSet("CALDRA_SERVICE_HOST")) {
         information.insert(u"CaldraServiceHost"_s, qEnvironmentVariable("CALDRA_SERVICE_HOST"));
+    }
     return CaldraClient::fromInfoDictionary(information);
 }
 
@@ -33,8 +35,9 @@ void listApplications(const CaldraClient &client, QTextStream &out)
     const auto answer = client.distribution.listApplications().result();
     for (const DistributionApplication &application : answer.applications) {
         QStringList platforms;
-        for (const DistributionPlatform platform : application.platforms)
+        for (const DistributionPlatform platform : application.platforms) {
             platforms << textOf(platform);
+        }
         out << application.slug << '\t' << application.name << '\t' << platforms.join(u' ') << '\n';
     }
 }
@@ -56,8 +59,9 @@ void showStatus(const CaldraClient &client, QTextStream &out)
         return textOf(status.value_or(SystemComponentStatus::unknown));
     };
     out << shown(answer.status) << '\n';
-    for (const SystemComponent &component : answer.components)
+    for (const SystemComponent &component : answer.components) {
         out << component.name.value_or(component.id) << '\t' << shown(component.status) << '\n';
+    }
 }
 
 } // namespace

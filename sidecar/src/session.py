@@ -144,7 +144,8 @@ class TrainingSession:
         if profile != TRAINED_PROFILE:
             self._refuse(
                 "These scripts train text language models by pretraining from scratch (text_language, pretrain); "
-                f"{profile.model_family} with {profile.training_capability} needs other training scripts."
+                f"{profile.model_family} with {profile.training_capability} needs other training scripts. Choose “Text "
+                "Language Model” and “Pretrain from scratch”, or point ZOREL_SCRIPTS_ROOT at scripts of your own."
             )
             return
         self._pending_start = start

@@ -1,11 +1,12 @@
 #include "library/ArchivedRunCount.h"
+#include "tests/support/RunFolders.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
-using zorel::library::countArchivedRuns;
+namespace zorel::tests {
+
+using library::countArchivedRuns;
 
 class ArchivedRunCountTest : public QObject
 {
@@ -13,22 +14,29 @@ class ArchivedRunCountTest : public QObject
 
 private Q_SLOTS:
     void onlyFoldersWithAManifestCount();
+    void aManifestNeedNotBeGood();
     void aFolderThatCannotBeListedHasNone();
 };
 
 void ArchivedRunCountTest::onlyFoldersWithAManifestCount()
 {
-    QTemporaryDir folder;
-    QDir root(folder.path());
-    for (const char *name : {"run-1", "run-2", "empty", "nested/run-3", "folder-manifest/manifest.json"}) {
-        root.mkpath(QString::fromLatin1(name));
+    const RunFolders folders;
+    for (const char *name : {"run-1", "run-2", ".hidden", "nested/run-3"}) {
+        folders.addRun(QString::fromLatin1(name), "{}");
     }
-    for (const char *name :
-         {"run-1/manifest.json", "run-2/manifest.json", "nested/run-3/manifest.json", "manifest.json"}) {
-        QFile file(root.filePath(QString::fromLatin1(name)));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-    }
-    QCOMPARE(countArchivedRuns(folder.path()), 2);
+    folders.write(QStringLiteral("manifest.json"), "{}");
+    folders.link(QStringLiteral("link"), QStringLiteral("run-1"));
+    QDir(folders.path()).mkpath(QStringLiteral("empty"));
+    QDir(folders.path()).mkpath(QStringLiteral("folder-manifest/manifest.json"));
+    QCOMPARE(countArchivedRuns(folders.path()), 3);
+}
+
+void ArchivedRunCountTest::aManifestNeedNotBeGood()
+{
+    const RunFolders folders;
+    folders.addRun(QStringLiteral("empty"), "");
+    folders.addRun(QStringLiteral("array"), "[]");
+    QCOMPARE(countArchivedRuns(folders.path()), 2);
 }
 
 void ArchivedRunCountTest::aFolderThatCannotBeListedHasNone()
@@ -38,5 +46,7 @@ void ArchivedRunCountTest::aFolderThatCannotBeListedHasNone()
     QCOMPARE(countArchivedRuns(QString()), 0);
 }
 
-QTEST_GUILESS_MAIN(ArchivedRunCountTest)
+} // namespace zorel::tests
+
+QTEST_GUILESS_MAIN(zorel::tests::ArchivedRunCountTest)
 #include "ArchivedRunCountTest.moc"

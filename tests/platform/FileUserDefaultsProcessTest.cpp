@@ -1,13 +1,8 @@
-#include "platform/FileUserDefaults.h"
+#include "tests/platform/FileUserDefaultsFixture.h"
 
 #include <QDir>
-#include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 #include <QRandomGenerator>
-#include <QTemporaryDir>
-#include <QTest>
 
 using zorel::platform::FileUserDefaults;
 
@@ -19,12 +14,12 @@ const QString description = QStringLiteral("zorel.modelDescription");
 
 } // namespace
 
-class FileUserDefaultsProcessTest : public QObject
+class FileUserDefaultsProcessTest : public zorel::tests::FileUserDefaultsFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() { makeFolder(); }
     void fullDiskLeavesTheOldFileWholeAndTheSessionGoesOn();
     void placeWithoutRightsLeavesTheOldFileAndTheSessionGoesOn_data();
     void placeWithoutRightsLeavesTheOldFileAndTheSessionGoesOn();
@@ -32,19 +27,6 @@ private Q_SLOTS:
     void twoInstancesKeepEachOthersValues();
 
 private:
-    void store(const QByteArray &bytes) const
-    {
-        QFile file(m_file);
-        QVERIFY(file.open(QFile::WriteOnly));
-        QCOMPARE(file.write(bytes), bytes.size());
-    }
-    std::optional<QJsonObject> stored() const
-    {
-        QFile file(m_file);
-        const QByteArray bytes = file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-        const QJsonDocument document = QJsonDocument::fromJson(bytes);
-        return document.isObject() ? std::optional(document.object()) : std::nullopt;
-    }
     static void runToSuccess(const QStringList &arguments)
     {
         QProcess probe;
@@ -53,16 +35,7 @@ private:
         QCOMPARE(probe.exitStatus(), QProcess::NormalExit);
         QVERIFY2(probe.exitCode() == 0, probe.readAllStandardError().constData());
     }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_file;
 };
-
-void FileUserDefaultsProcessTest::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_file = m_folder->filePath(QStringLiteral("zorel.json"));
-}
 
 void FileUserDefaultsProcessTest::fullDiskLeavesTheOldFileWholeAndTheSessionGoesOn()
 {
@@ -114,12 +87,13 @@ void FileUserDefaultsProcessTest::killedWriterLeavesOldOrNewValues()
         }
         probe.kill();
         QVERIFY(probe.waitForFinished());
-        if (QFile::exists(m_file + QStringLiteral(".new")))
+        if (QFile::exists(m_file + QStringLiteral(".new"))) {
             while (probe.canReadLine()) {
                 announced = probe.readLine().trimmed().toInt();
             }
+        }
 
-        QVERIFY(stored().has_value());
+        QVERIFY(isWhole());
         const FileUserDefaults defaults(m_file);
         const QString number = defaults.string(name).value_or(QString());
         QVERIFY2(number.toInt() == announced || number.toInt() == announced + 1, qPrintable(number));
@@ -145,7 +119,7 @@ void FileUserDefaultsProcessTest::twoInstancesKeepEachOthersValues()
         connect(&probe, &QProcess::finished, this, [&finished] { ++finished; });
         connect(&probe, &QProcess::readyReadStandardOutput, this, [this, &probe, &unreadable] {
             probe.readAllStandardOutput();
-            unreadable += stored().has_value() ? 0 : 1;
+            unreadable += isWhole() ? 0 : 1;
         });
         probe.start(QStringLiteral(ZOREL_PLATFORM_PROBE),
                     {QStringLiteral("count"), m_file, keys[index], QString::number(last)});
@@ -153,8 +127,7 @@ void FileUserDefaultsProcessTest::twoInstancesKeepEachOthersValues()
     QTRY_COMPARE_WITH_TIMEOUT(finished, 2, 60'000);
     QCOMPARE(unreadable, 0);
     const QString number = QString::number(last);
-    QCOMPARE(stored().value_or(QJsonObject()),
-             QJsonObject({{QStringLiteral("later"), later}, {keys[0], number}, {keys[1], number}}));
+    QCOMPARE(stored(), QJsonObject({{QStringLiteral("later"), later}, {keys[0], number}, {keys[1], number}}));
 }
 
 QTEST_GUILESS_MAIN(FileUserDefaultsProcessTest)

@@ -1,15 +1,12 @@
 #include "platform/FileUserDefaults.h"
 
+#include "tests/platform/FileUserDefaultsFixture.h"
+
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -26,13 +23,14 @@ const QString logExpanded = QStringLiteral("zorel.logExpanded");
 
 } // namespace
 
-class FileUserDefaultsTest : public QObject
+class FileUserDefaultsTest : public zorel::tests::FileUserDefaultsFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() { makeFolder(); }
     void valuesComeBackFromTheFileWithTheirType();
+    void datesAreTextsInTheFile();
     void textsOfAllKindsSurvive_data();
     void textsOfAllKindsSurvive();
     void fileIsOneKeyALineUnderTheSystemsNames();
@@ -67,23 +65,7 @@ private:
         QFile file(path);
         return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
     }
-    QJsonObject stored() const { return QJsonDocument::fromJson(contents(m_file)).object(); }
-    void store(const QByteArray &bytes) const
-    {
-        QFile file(m_file);
-        QVERIFY(file.open(QFile::WriteOnly));
-        QCOMPARE(file.write(bytes), bytes.size());
-    }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_file;
 };
-
-void FileUserDefaultsTest::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_file = m_folder->filePath(QStringLiteral("zorel.json"));
-}
 
 void FileUserDefaultsTest::valuesComeBackFromTheFileWithTheirType()
 {
@@ -100,6 +82,20 @@ void FileUserDefaultsTest::valuesComeBackFromTheFileWithTheirType()
     QCOMPARE(defaults.boolean(logExpanded), true);
     QVERIFY(!defaults.string(QStringLiteral("zorel.absent")));
     QVERIFY(!defaults.boolean(QStringLiteral("zorel.absent")));
+}
+
+void FileUserDefaultsTest::datesAreTextsInTheFile()
+{
+    const QString key = QStringLiteral("talvex.updater.lastCheckAt");
+    const QDateTime date(QDate(2026, 1, 2), QTime(5, 4, 5, 678), Qt::OffsetFromUTC, 7'200);
+    FileUserDefaults(m_file).setDate(key, date);
+    QCOMPARE(stored().value(key), QJsonValue(QStringLiteral("2026-01-02T03:04:05.678Z")));
+    QCOMPARE(FileUserDefaults(m_file).date(key), std::optional(date));
+    for (const char *text : {"", "yesterday", "2026-02-30T00:00:00Z"}) {
+        FileUserDefaults(m_file).setString(key, QString::fromUtf8(text));
+        QVERIFY2(!FileUserDefaults(m_file).date(key), text);
+    }
+    QVERIFY(!FileUserDefaults(m_file).date(QStringLiteral("zorel.absent")));
 }
 
 void FileUserDefaultsTest::textsOfAllKindsSurvive_data()

@@ -1,8 +1,11 @@
 #include "platform/BrokenPipe.h"
 #include "platform/Bundle.h"
 #include "platform/FileUserDefaults.h"
+#include "platform/InformationDictionary.h"
+#include "platform/KeepAwake.h"
 #include "platform/UserDefaults.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <cerrno>
@@ -137,6 +140,25 @@ void tellBundle()
     }
 }
 
+void tellInformation()
+{
+    const zorel::platform::InformationDictionary &information = zorel::platform::mainInformationDictionary();
+    for (auto entry = information.constBegin(); entry != information.constEnd(); ++entry) {
+        say(entry.key() + u'=' + entry.value().toString());
+    }
+}
+
+/// Until somebody kills this process.
+void stayAwake(int argumentCount, char **arguments)
+{
+    const QCoreApplication application(argumentCount, arguments);
+    zorel::platform::KeepAwake keepAwake;
+    keepAwake.hold(QCoreApplication::arguments().value(2));
+    for (;;) {
+        ::pause();
+    }
+}
+
 } // namespace
 
 int main(int argumentCount, char **arguments)
@@ -160,6 +182,10 @@ int main(int argumentCount, char **arguments)
         saveAndReturn(words.value(1));
     } else if (task == QLatin1String("bundle")) {
         tellBundle();
+    } else if (task == QLatin1String("information")) {
+        tellInformation();
+    } else if (task == QLatin1String("stay-awake")) {
+        stayAwake(argumentCount, arguments);
     } else {
         std::fprintf(stderr, "unknown task\n");
         return EXIT_FAILURE;

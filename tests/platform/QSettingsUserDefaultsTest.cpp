@@ -15,6 +15,7 @@ private Q_SLOTS:
     void init();
     void dotOfTheSystemsKeyIsTheSeparatorOfQSettings();
     void valuesComeBackWithTheirType();
+    void datesAreStoredAsDates();
     void valuesOfOtherTypesReadAsAbsent();
     void destructionPersists();
 
@@ -51,6 +52,22 @@ void QSettingsUserDefaultsTest::valuesComeBackWithTheirType()
     QCOMPARE(store.boolean(QStringLiteral("zorel.logExpanded")), false);
 }
 
+void QSettingsUserDefaultsTest::datesAreStoredAsDates()
+{
+    const QDateTime date(QDate(2026, 1, 2), QTime(3, 4, 5), Qt::UTC);
+    {
+        QSettingsUserDefaults store(open());
+        store.setDate(QStringLiteral("talvex.updater.lastCheckAt"), date);
+        QCOMPARE(store.date(QStringLiteral("talvex.updater.lastCheckAt")), date);
+        QVERIFY(!store.string(QStringLiteral("talvex.updater.lastCheckAt")));
+    }
+    const QVariant stored = open()->value(QStringLiteral("talvex/updater/lastCheckAt"));
+    QCOMPARE(stored.typeId(), int(QMetaType::QDateTime));
+    // The one kind that the Mac's own format stores as a date.
+    QCOMPARE(stored.toDateTime().timeSpec(), Qt::LocalTime);
+    QCOMPARE(stored.toDateTime(), date);
+}
+
 void QSettingsUserDefaultsTest::valuesOfOtherTypesReadAsAbsent()
 {
     auto settings = open();
@@ -62,6 +79,9 @@ void QSettingsUserDefaultsTest::valuesOfOtherTypesReadAsAbsent()
     QVERIFY(!store.string(QStringLiteral("zorel.b")) && store.boolean(QStringLiteral("zorel.b")));
     QVERIFY(!store.string(QStringLiteral("zorel.c")));
     QVERIFY(!store.string(QStringLiteral("zorel.absent")) && !store.boolean(QStringLiteral("zorel.absent")));
+    for (const char *key : {"zorel.a", "zorel.b", "zorel.c", "zorel.absent"}) {
+        QVERIFY2(!store.date(QString::fromUtf8(key)), key);
+    }
 }
 
 void QSettingsUserDefaultsTest::destructionPersists()

@@ -22,8 +22,9 @@ private:
     static void addRows()
     {
         QTest::addColumn<int>("index");
-        for (std::size_t index = 0; index < callTable().size(); ++index)
+        for (std::size_t index = 0; index < callTable().size(); ++index) {
             QTest::newRow(callTable()[index].name) << int(index);
+        }
     }
 
     static const Call &currentCall()
@@ -84,15 +85,17 @@ private Q_SLOTS:
         QCOMPARE(request.headers.value("x-api-key"), "the-key");
         QCOMPARE(request.headers.value("accept"), "application/json");
         QCOMPARE(request.headers.value("content-type"), call.body.isEmpty() ? "" : "application/json");
-        if (call.body.isEmpty())
+        if (call.body.isEmpty()) {
             QCOMPARE(request.body, "");
-        else
+        } else {
             QVERIFY2(JSONValue::fromJSON(request.body) == JSONValue::fromJSON(call.body),
                      request.body.constData());
-        if (call.isRedirect)
+        }
+        if (call.isRedirect) {
             QCOMPARE(decoded, call.payload);
-        else
+        } else {
             QVERIFY2(JSONValue::fromJSON(decoded) == JSONValue::fromJSON(call.payload), decoded.constData());
+        }
     }
 
     void reportsTheServicesError_data() { addRows(); }
@@ -116,8 +119,9 @@ private Q_SLOTS:
         const auto bare = errorAfter(call, Answer::json(call.payload));
         QVERIFY(bare);
         QVERIFY(call.isRedirect ? bare->unexpectedStatus() != nullptr : bare->decoding() != nullptr);
-        if (call.isRedirect || call.payload == "{}")
+        if (call.isRedirect || call.payload == "{}") {
             return;
+        }
         const auto hollow = errorAfter(call, Answer::json(enveloped("{}")));
         QVERIFY(hollow && hollow->decoding());
         const auto cut = errorAfter(call, Answer::json(enveloped(call.payload).chopped(2)));

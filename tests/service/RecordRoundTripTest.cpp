@@ -101,8 +101,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("index");
         const auto checks = checksFor(AllRecords());
-        for (std::size_t index = 0; index < checks.size(); ++index)
+        for (std::size_t index = 0; index < checks.size(); ++index) {
             QTest::newRow(checks[index].first) << int(index);
+        }
     }
 
     void survivesEncodingAndDecoding()
@@ -118,8 +119,9 @@ private Q_SLOTS:
         int count = 0;
         while (headers.hasNext()) {
             QFile header(headers.next());
-            if (header.fileName().contains("/core/"_L1))
+            if (header.fileName().contains("/core/"_L1)) {
                 continue;
+            }
             QVERIFY(header.open(QFile::ReadOnly));
             count += int(header.readAll().count("static constexpr auto fields"));
         }

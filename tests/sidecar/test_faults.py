@@ -210,6 +210,38 @@ def test_a_full_memory_is_said_with_what_to_lower(sidecar):
     assert child.errors == b""
 
 
+@pytest.mark.parametrize(
+    ("file", "content"),
+    [
+        ("loss_curve.npz", b"PK\x03\x04"),
+        ("state.json", b"[]"),
+        ("state.json", b'{"format": 1}'),
+        ("weights.safetensors", b"\xff" * 8),
+    ],
+)
+def test_whatever_is_damaged_in_a_checkpoint_it_is_passed_over(library, sidecar, file, content):
+    library.settings(checkpoint_interval=5)
+    sidecar().train(10)
+    *_, newest = sorted((library.model / "checkpoints").glob("checkpoint-*"))
+    size = (newest / file).stat().st_size
+    (newest / file).write_bytes(content if file == "state.json" else content.ljust(size, b"\0"))
+    child = sidecar()
+    assert child.train(12, resume=True)["step"] == 12
+    assert any("damaged" in text and str(newest) in text for text in child.messages("log"))
+
+
+def test_a_checkpoint_without_a_setting_that_shapes_the_run_is_passed_over(library, sidecar):
+    library.settings(checkpoint_interval=5)
+    sidecar().train(10)
+    *_, newest = sorted((library.model / "checkpoints").glob("checkpoint-*"))
+    state = json.loads((newest / "state.json").read_text())
+    del state["settings"]["seed"]
+    (newest / "state.json").write_text(json.dumps(state))
+    child = sidecar()
+    child.train(12, resume=True)
+    assert any("“seed”" in text for text in child.messages("log"))
+
+
 def test_a_damaged_checkpoint_is_passed_over_for_the_one_before(library, sidecar):
     library.settings(checkpoint_interval=4)
     child = sidecar()

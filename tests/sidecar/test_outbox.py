@@ -6,7 +6,6 @@ import itertools
 import json
 import os
 import threading
-import time
 
 import pytest
 
@@ -110,15 +109,36 @@ def test_log_lines_beyond_the_bound_are_dropped_and_counted_and_errors_stay(pipe
     assert {"event": "done"} in events
 
 
-def test_at_most_ten_statuses_a_second(pipe, monkeypatch):
-    """A lower bound of the distance, so that a slow machine cannot fail it."""
+class SteppedClock:
+    """Stands still, except for whoever waits."""
+
+    def __init__(self) -> None:
+        self.time = 1000.0
+
+    def now(self) -> float:
+        return self.time
+
+    def wait(self, changed: threading.Condition, seconds: float) -> None:
+        self.time += seconds
+
+
+def test_at_most_ten_statuses_a_second_and_other_events_at_once(monkeypatch):
+    clock = SteppedClock()
+    reader, writer = os.pipe()
     written = []
-    monkeypatch.setattr(pipe.outbox, "_write", lambda line: written.append(time.monotonic()))
-    for state in ("starting", "preparing", "starting", "running"):
-        pipe.outbox.send(status(1, state))
-    pipe.outbox.close(60)
-    assert len(written) == 4
-    assert all(later - earlier >= 0.1 for earlier, later in itertools.pairwise(written))
+    monkeypatch.setattr(Outbox, "_write", lambda self, line: written.append((json.loads(line)["event"], clock.time)))
+    outbox = Outbox(writer, lambda reason: None, clock)
+    for state in ("starting", "preparing", "running"):
+        outbox.send(status(1, state))
+        outbox.log(state)
+    outbox.close(60)
+    assert [event for event, _ in written] == ["status", "log"] * 3
+    statuses = [at for event, at in written if event == "status"]
+    logs = [at for event, at in written if event == "log"]
+    assert logs == statuses
+    assert [later - earlier for earlier, later in itertools.pairwise(statuses)] == pytest.approx([0.105, 0.105])
+    os.close(reader)
+    os.close(writer)
 
 
 def test_a_closed_output_is_reported_once_and_sending_goes_on_without_effect(pipe):

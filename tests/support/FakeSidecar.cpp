@@ -8,6 +8,7 @@ namespace zorel::tests {
 
 FakeSidecar::FakeSidecar()
 {
+    scriptsRoot = root();
     QDir(root()).mkpath(QStringLiteral("src"));
     QDir(root()).mkpath(QStringLiteral("home/Library/Python/3.12/bin"));
     QFile::copy(QStringLiteral(ZOREL_FAKE_SIDECAR), pathOf(QStringLiteral("src/app_backend.py")));
@@ -27,7 +28,7 @@ backend::bridge::BackendController::Surroundings FakeSidecar::surroundings()
     return {
         [this] {
             backend::bridge::SidecarHost host;
-            host.scriptsRootOverride = root();
+            host.scriptsRootOverride = scriptsRoot;
             host.fileExists = [this](const QString &path) {
                 return scriptsExist && QFileInfo::exists(path);
             };

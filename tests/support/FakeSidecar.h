@@ -42,12 +42,14 @@ public:
     std::vector<Timer> timers;
     /// Whether the search finds the scripts.
     bool scriptsExist = true;
+    /// Where the search looks first.
+    QString scriptsRoot;
     /// The one interpreter that the search finds.
     QString interpreter = QStringLiteral("/usr/bin/python3");
 
 private:
     QTemporaryDir m_folder;
-    backend::bridge::Environment m_environment;
+    platform::Environment m_environment;
 };
 
 /// One step of a scenario.

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void takesFamiliesByBothNames();
     void makesFoldersAbsolute_data();
     void makesFoldersAbsolute();
+    void readsTheCommandsOfTheLibrary();
     void explainsWrongUsage_data();
     void explainsWrongUsage();
     void helpsWhateverElseIsWrong();
@@ -105,6 +106,29 @@ void TerminalOptionsTest::makesFoldersAbsolute()
     QCOMPARE(*parse({QStringLiteral("--model-root"), given}).modelRoot, expected);
 }
 
+void TerminalOptionsTest::readsTheCommandsOfTheLibrary()
+{
+    const auto parseLine = [](const char *line) {
+        return parse(QString::fromLatin1(line).split(u' '));
+    };
+    TerminalOptions expected;
+    expected.task = TerminalOptions::Task::listRuns;
+    QVERIFY(parseLine("list") == expected);
+    expected.searchText = QStringLiteral("tiny");
+    expected.output = TerminalOptions::Output::json;
+    expected.finishedModels = QStringLiteral("/home/ada/runs");
+    QVERIFY(parseLine("list tiny --json --finished-models runs") == expected);
+    QVERIFY(parseLine("--json list --finished-models=runs tiny") == expected);
+
+    expected = TerminalOptions();
+    expected.task = TerminalOptions::Task::showRun;
+    expected.runs = QStringList{QStringLiteral("a")};
+    QVERIFY(parseLine("show a") == expected);
+    expected.task = TerminalOptions::Task::compareRuns;
+    expected.runs << QStringLiteral("list");
+    QVERIFY(parseLine("compare a list") == expected);
+}
+
 void TerminalOptionsTest::explainsWrongUsage_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -124,6 +148,16 @@ void TerminalOptionsTest::explainsWrongUsage_data()
     row("--family Text_Language", "--family takes text, image or multimodal, not “Text_Language”.");
     row("--capability LoRA", "--capability takes pretrain, finetune or lora, not “LoRA”.");
     row("books", "“books” is no option; every value stands behind its option's name.");
+    row("List", "“List” is no option; every value stands behind its option's name.");
+    row("list tiny lm", "“list” takes one text to search for; put it into quotes.");
+    row("show", "“show” needs one run: its folder's name, as “list” shows it.");
+    row("show a b", "“show” needs one run: its folder's name, as “list” shows it.");
+    row("compare a", "“compare” needs two runs: their folders' names, as “list” shows them.");
+    row("compare a b c", "“compare” needs two runs: their folders' names, as “list” shows them.");
+    row("list --steps 5", "--steps does not go with “list”.");
+    row("show a --log", "--log does not go with “show”.");
+    row("compare a b --save --model-name N", "--save does not go with “compare”.");
+    row("list --finished-models=", "--finished-models needs the path of a folder.");
     row("--training-data=", "--training-data needs the path of a folder.");
     row("--save --steps 5",
         "--save keeps folders, model type, training mode and identity, but none of them was given.");

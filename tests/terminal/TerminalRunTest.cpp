@@ -18,7 +18,7 @@ using Outcome = TerminalRun::Outcome;
 
 namespace {
 
-constexpr int patience = 30'000;
+constexpr int patience = 60'000; // milliseconds
 
 QJsonObject error()
 {

@@ -12,7 +12,7 @@ namespace zorel::tests {
 
 namespace {
 
-constexpr int patience = 30'000;
+constexpr int patience = 60'000; // milliseconds
 
 QString text(const char *utf8)
 {
@@ -347,7 +347,7 @@ void ZorelTrainTest::killsOnTheSecondInterruption()
     const int sidecar =
         QJsonDocument::fromJson(fileContent(stopping)).object().value(text("process")).toInt();
     QVERIFY(sidecar > 0);
-    const bool wasKilled = QTest::qWaitFor([sidecar] { return hasEnded(sidecar); }, 5000);
+    const bool wasKilled = QTest::qWaitFor([sidecar] { return hasEnded(sidecar); }, patience);
     ::kill(pid_t(sidecar), SIGKILL);
     QVERIFY(wasKilled);
 }

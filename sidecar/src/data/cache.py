@@ -19,7 +19,7 @@ import json
 import os
 import shutil
 import time
-from collections.abc import Callable, Iterator
+from collections.abc import Callable, Iterable, Iterator
 from pathlib import Path
 
 from .files import Inspection, SourceFile
@@ -40,7 +40,9 @@ SETTLED_NS = 2_000_000_000
 @contextlib.contextmanager
 def exclusive(cache_root: Path, waiting: Callable[[], None]) -> Iterator[None]:
     """Keeps a second application on the same folder from preparing at the same time."""
-    with open(cache_root / "lock", "ab") as lock:
+    with contextlib.ExitStack() as held:
+        with writing_to(cache_root):
+            lock = held.enter_context(open(cache_root / "lock", "ab"))
         while True:
             try:
                 fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
@@ -71,13 +73,14 @@ def key_of(*parts: object) -> str:
     return hashlib.sha256(json.dumps(parts).encode()).hexdigest()[:32]
 
 
-def valid_meta(entry: Path) -> dict | None:
-    """The entry's description if every file it lists is there and looks as it did."""
+def valid_meta(entry: Path, keys: Iterable[str], files: Iterable[str]) -> dict | None:
+    """The entry's description if it has these keys, and these files are there and look as they did."""
     try:
         meta = json.loads((entry / META).read_bytes())
-        for name, expected in meta["files"].items():
-            if file_print(entry / name) != expected:
-                return None
+        if any(key not in meta for key in keys):
+            return None
+        if any(file_print(entry / name) != meta["files"][name] for name in files):
+            return None
     except (OSError, ValueError, KeyError, TypeError, AttributeError, RecursionError):
         return None
     return meta

@@ -258,13 +258,7 @@ def _byte_order_mark(start: bytes) -> str:
 
 def corpus_bytes(folder: str | os.PathLike) -> int:
     """The size of the texts in a folder as they lie on disk; only a first guess, before they are read."""
-    total = 0
-    for place, folders, files in os.walk(folder):
-        folders[:] = [name for name in folders if not name.startswith(".")]
-        for name in files:
-            if os.path.splitext(name)[1].lower() in KIND_BY_ENDING:
-                try:
-                    total += os.stat(os.path.join(place, name)).st_size
-                except OSError:
-                    continue
-    return total
+    try:
+        return sum(file.size for file in find_files(os.fspath(folder), WarningLimiter(lambda line: None)))
+    except PreparationError:
+        return 0

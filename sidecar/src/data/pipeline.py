@@ -38,6 +38,11 @@ SMALLEST_TRAINING_TOKENS = 32
 TOKENIZER_SAMPLE_BYTES = 32_000_000
 SAMPLE_SALT = 0x5A3C
 
+TOKENIZER_FILE = "tokenizer.json"
+TOKENIZER_KEYS = ("vocab_size",)
+TOKEN_FILES = ("train.bin", "validation.bin")
+TOKENS_KEYS = ("vocab_size", "documents", "unigram_nats", "bad_lines")
+
 READING, COUNTING, TRAINING, ENCODING = "reading", "counting", "training", "encoding"
 
 
@@ -122,8 +127,8 @@ class Preparation:
         tokenizer_entry = self._cache_root / "tokenizers" / tokenizer_key
         tokens_entry = self._cache_root / "tokens" / tokens_key
 
-        tokenizer_meta = cache.valid_meta(tokenizer_entry)
-        tokens_meta = cache.valid_meta(tokens_entry) if tokenizer_meta else None
+        tokenizer_meta = cache.valid_meta(tokenizer_entry, TOKENIZER_KEYS, (TOKENIZER_FILE,))
+        tokens_meta = cache.valid_meta(tokens_entry, TOKENS_KEYS, TOKEN_FILES) if tokenizer_meta else None
         if tokens_meta is None:
             tokens_meta = self._build(tokenizer_entry, tokenizer_meta, tokens_entry)
         else:
@@ -276,6 +281,7 @@ class Preparation:
         self._bad_lines: dict[str, int] = {}
         census = DocumentCensus()
         sample: list[str] = []
+        first = ""
         sampled = 0
         share = min(1.0, TOKENIZER_SAMPLE_BYTES / self._bytes)
         for text in self._documents(COUNTING, "Looking through"):
@@ -283,12 +289,13 @@ class Preparation:
             size = len(text.encode("utf-8"))
             if not census.add(key, size) or not sample_wanted:
                 continue
+            first = first or text
             if mix(key ^ SAMPLE_SALT) <= share * MASK and sampled < 1.25 * TOKENIZER_SAMPLE_BYTES:
                 sample.append(text)
                 sampled += size
         self._bad_lines_summary(self._bad_lines)
         if sample_wanted and not sample and census.documents:
-            sample.append(next(self._documents(COUNTING, "Looking through")))
+            sample.append(first)
         return census, sample
 
     def _train_tokenizer(self, sample: list[str], entry: Path) -> dict:
@@ -304,21 +311,19 @@ class Preparation:
         meta = {"vocab_size": tokenizer.get_vocab_size()}
         with cache.writing_to(self._cache_root):
             folder.mkdir()
-            (folder / "tokenizer.json").write_text(tokenizer.to_str(pretty=True), "utf-8")
+            (folder / TOKENIZER_FILE).write_text(tokenizer.to_str(pretty=True), "utf-8")
             cache.publish(folder, entry, meta)
         return meta
 
     def _encode(self, tokenizer_entry: Path, vocab_size: int, split: Split, entry: Path) -> dict:
-        tokenizer = load_tokenizer(tokenizer_entry / "tokenizer.json")
+        tokenizer = load_tokenizer(tokenizer_entry / TOKENIZER_FILE)
         dtype = token_type(vocab_size)
         folder = self._temporary / "tokens"
         documents = 0
         with cache.writing_to(self._cache_root):
             folder.mkdir()
-            with (
-                open(folder / "train.bin", "wb") as train,
-                open(folder / "validation.bin", "wb") as validation,
-            ):
+            train_path, validation_path = (folder / name for name in TOKEN_FILES)
+            with open(train_path, "wb") as train, open(validation_path, "wb") as validation:
                 flagged = self._flagged_documents(split)
                 for ids, is_validation in encode_documents(tokenizer, flagged, dtype):
                     (validation if is_validation else train).write(memoryview(ids))
@@ -326,7 +331,7 @@ class Preparation:
                 train_tokens = train.tell() // dtype.itemsize
         if train_tokens < SMALLEST_TRAINING_TOKENS:
             raise self._too_little()
-        maps = [map_tokens(folder / name, dtype) for name in ("train.bin", "validation.bin")]
+        maps = [map_tokens(folder / name, dtype) for name in TOKEN_FILES]
         measured = maps[1] if len(maps[1]) else maps[0]
         meta = {
             "vocab_size": vocab_size,

@@ -17,12 +17,13 @@ from pathlib import Path
 import numpy as np
 
 from . import cache
-from .pipeline import Request, Result, map_tokens
+from .pipeline import TOKEN_FILES, TOKENIZER_FILE, Request, Result, map_tokens
 from .records import PreparationCancelled, PreparationError, PreparedCorpus, PrepProgress
 from .tokenizer import BOS_ID, EOS_ID, token_type
 
 POLL_S = 0.1
 REPORT_INTERVAL_S = 0.12
+WORKER = ["-m", f"{__package__}.worker"]
 SCRIPTS_ROOT = Path(__file__).resolve().parents[2]
 
 
@@ -78,7 +79,7 @@ def prepare_corpus(
 def _start_worker() -> subprocess.Popen:
     """Inherits standard error and no other descriptor."""
     return subprocess.Popen(
-        [sys.executable, "-m", f"{__package__}.worker"],
+        [sys.executable, *WORKER],
         cwd=SCRIPTS_ROOT,
         stdin=subprocess.PIPE,
         stdout=subprocess.PIPE,
@@ -158,13 +159,13 @@ def _open(result: Result) -> PreparedCorpus:
     dtype: np.dtype = token_type(result.vocab_size)
     tokens = Path(result.tokens_folder)
     try:
-        train, validation = (map_tokens(tokens / name, dtype) for name in ("train.bin", "validation.bin"))
+        train, validation = (map_tokens(tokens / name, dtype) for name in TOKEN_FILES)
     except OSError as error:
         raise PreparationError(
             f"The prepared training data in {tokens} could not be opened: {error.strerror}."
         ) from error
     return PreparedCorpus(
-        tokenizer_path=Path(result.tokenizer_folder) / "tokenizer.json",
+        tokenizer_path=Path(result.tokenizer_folder) / TOKENIZER_FILE,
         vocab_size=result.vocab_size,
         bos_token_id=BOS_ID,
         eos_token_id=EOS_ID,

@@ -11,6 +11,7 @@ import json
 import os
 import sys
 import threading
+import traceback
 
 from .pipeline import Preparation, Request
 from .records import PreparationError
@@ -40,6 +41,10 @@ def main() -> None:
         send(error=str(error))
     except MemoryError:
         send(error="There is not enough memory to prepare the training data.")
+    except Exception as error:
+        traceback.print_exc(file=sys.stderr)
+        what = f"{type(error).__name__}: {error}"
+        send(error=f"The preparation of the training data failed unexpectedly: {what}")
 
 
 def _read_line() -> bytes:

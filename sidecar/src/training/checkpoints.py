@@ -9,18 +9,24 @@ import json
 import os
 import re
 import shutil
+import zlib
 from dataclasses import dataclass, field
 from pathlib import Path
+from zipfile import BadZipFile
 
 import mlx.core as mx
 
+from src.memory import is_out_of_memory
 from src.models.safetensors import save_safetensors
+from src.settings import SETTINGS
 from src.storage import folder_written_aside, publish, remove_leftovers, write_json
 from src.training.curve import LossCurve
 
 FORMAT = 1
 KEPT = 2
 PREVIOUS_RUN = "previous-run"
+# What readers of JSON, NumPy's and MLX's files raise for files that are not what they should be.
+DAMAGE = (OSError, ValueError, KeyError, TypeError, AttributeError, RuntimeError, EOFError, BadZipFile, zlib.error)
 _NAME = re.compile(r"checkpoint-(\d{8})")
 
 
@@ -92,7 +98,9 @@ class CheckpointStore:
         for _, path in reversed(self._entries()):
             try:
                 return self._load(path), complaints
-            except (OSError, ValueError, KeyError, TypeError, RuntimeError) as error:
+            except DAMAGE as error:
+                if is_out_of_memory(error):
+                    raise
                 complaints.append(f"The checkpoint {path} is damaged and was passed over ({error}).")
         reason = " ".join(complaints) or f"There is no checkpoint in {self.folder}."
         raise CheckpointError(reason)
@@ -124,6 +132,8 @@ class CheckpointStore:
         if values.get("format") != FORMAT:
             raise ValueError(f"its format {values.get('format')} is unknown")
         state = RunState(**values)
+        if missing := [setting.key for setting in SETTINGS if setting.key not in state.settings]:
+            raise ValueError(f"it lacks the setting “{missing[0]}”")
         for name, size in state.files.items():
             if (path / name).stat().st_size != size:
                 raise ValueError(f"{name} has the wrong size")

@@ -32,12 +32,6 @@ class Schedule:
             return self
         return self._gliding(Schedule(self.peak, self.floor_fraction, max_steps, self.warmup_steps), step)
 
-    def with_peak(self, peak: float, floor_fraction: float, warmup_steps: int | None) -> Schedule:
-        """For a resumed run whose settings may have been edited: the new course is taken as it stands."""
-        if (peak, floor_fraction, warmup_steps) == (self.peak, self.floor_fraction, self.warmup_steps):
-            return self
-        return Schedule(peak, floor_fraction, self.max_steps, warmup_steps)
-
     def _gliding(self, changed: Schedule, step: int) -> Schedule:
         course = changed._course(step)
         ratio = self.rate(step) / course if course > 0 else 1.0

@@ -16,6 +16,17 @@ MAXIMUM_LOG_LINES = 5_000
 MAXIMUM_EVENTS = 10_000
 
 
+class SystemClock:
+    """The time that the pace of the events goes by."""
+
+    def now(self) -> float:
+        return time.monotonic()
+
+    def wait(self, changed: threading.Condition, seconds: float) -> None:
+        """Until `changed` is notified, but no longer than `seconds`."""
+        changed.wait(seconds)
+
+
 @dataclass
 class _Waiting:
     event: dict
@@ -41,9 +52,10 @@ class Outbox:
     """Never blocks its callers. When the application stops reading, the newest status and snapshot replace the
     ones that wait, other events are kept up to a bound, and the log says how many lines were lost."""
 
-    def __init__(self, descriptor: int, on_gone: Callable[[str], None]) -> None:
+    def __init__(self, descriptor: int, on_gone: Callable[[str], None], clock: SystemClock | None = None) -> None:
         self._descriptor = descriptor
         self._on_gone = on_gone
+        self._clock = clock or SystemClock()
         self._events: deque[_Waiting] = deque()
         self._changed = threading.Condition()
         self._status: _Waiting | None = None
@@ -124,9 +136,9 @@ class Outbox:
                     return None
                 waiting = self._events[0]
                 if waiting.event["event"] == "status":
-                    delay = self._last_status_at + SHORTEST_STATUS_INTERVAL_S - time.monotonic()
+                    delay = self._last_status_at + SHORTEST_STATUS_INTERVAL_S - self._clock.now()
                     if delay > 0:
-                        self._changed.wait(delay)
+                        self._clock.wait(self._changed, delay)
                         continue
                 return self._take(waiting)
 
@@ -134,7 +146,7 @@ class Outbox:
         self._events.popleft()
         self._busy = True
         if waiting.event["event"] == "status":
-            self._last_status_at = time.monotonic()
+            self._last_status_at = self._clock.now()
         if waiting is self._status:
             self._status = None
         if waiting is self._snapshots.get(waiting.event.get("final")):

@@ -1,26 +1,16 @@
 #include "backend/bridge/BackendController.h"
-#include "app/settings/ZorelSettings.h"
-#include "library/RunLibrary.h"
-#include "tests/support/FakeSidecar.h"
-#include "tests/support/InMemoryUserDefaults.h"
+
+#include "tests/backend/bridge/ControllerFixture.h"
 
 #include <QDir>
-#include <QFile>
 #include <QSignalSpy>
-#include <QTest>
 
-using namespace zorel;
-using namespace zorel::backend;
+namespace zorel::tests {
+
+namespace protocol = backend::protocol;
 using backend::bridge::BackendController;
 
 namespace {
-
-class RecordingLibrary : public library::RunLibrary
-{
-public:
-    void scan(const QString &finishedModelsPath) override { scans.append(finishedModelsPath); }
-    QStringList scans;
-};
 
 protocol::TrainStatusPayload status(const QString &state, std::int64_t step, double loss,
                                     std::int64_t maxSteps = 100)
@@ -38,37 +28,16 @@ protocol::TrainStatusPayload running(std::int64_t step, double loss)
     return status(QStringLiteral("running"), step, loss);
 }
 
-protocol::NeuronSnapshotPayload snapshot(bool final, std::int64_t layer, std::int64_t index,
-                                         double activation)
-{
-    protocol::NeuronSnapshotPayload payload;
-    payload.final = final;
-    payload.layers = {{layer, {{index, activation, 0, 63, protocol::NeuronActivityTier::high}}}};
-    return payload;
-}
-
-protocol::ArchivedModel archive(const QString &path)
-{
-    return {path, path, 100, 1.5, 60};
-}
-
-void makeRun(const QString &finishedModels, const QString &name)
-{
-    QDir(finishedModels).mkpath(name);
-    QFile manifest(finishedModels + QLatin1Char('/') + name + QStringLiteral("/manifest.json"));
-    QVERIFY(manifest.open(QIODevice::WriteOnly));
-}
-
 } // namespace
 
 /// The controller without a child: what it does with events, and with commands that cannot be sent.
-class BackendControllerTest : public QObject
+class BackendControllerTest : public ControllerFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init() { makeController(); }
+    void cleanup() { endController(); }
 
     void beforeReadyItIsIdle();
     void readySetsStatusAndStepsAndLogs();
@@ -81,53 +50,20 @@ private Q_SLOTS:
     void theLogLine2001DropsTheFirst();
     void anIdleStatusLeavesTheDesiredSteps();
     void anyOtherStateTakesItsMaxStepsOver();
-    void aFinalSnapshotLeavesTheLiveOne();
-    void aLiveSnapshotLeavesTheFinalOne();
-    void theSelectionFollowsNewSnapshots();
-    void theSelectionIsKeptWhenItsLayerIsMissing();
-    void theSelectionIsKeptWhenItsIndexIsMissing();
     void logEventsAppendTheirMessage();
     void errorEventsAreLoggedAndChangeNothingElse();
     void pathsAreLoggedInFourLines();
     void doneIsLogged();
     void modelIdentityHasNoEffect();
-    void anArchiveIsCountedFromTheFolderAndRescanned();
-    void theArchiveNoticeEndsAfter12Seconds();
-    void ofTwoArchivesTheSecondsTimerClears();
-    void aNoticeTimerAfterTheControllersEndDoesNothing();
     void aSendWithoutChildIsSkippedWithItsName();
     void aSendWithoutNameIsSkippedWithAQuestionMark();
     void maxStepsAreClamped_data();
     void maxStepsAreClamped();
-    void aVanishedLibraryIsNotAsked();
     void anEndlessLogLineIsCut();
     void theSystemsEnvironmentIsTakenByteForByte();
     void launchWithoutScriptsIsAFatalError();
     void launchOfABrokenInterpreterIsAFatalError();
-
-private:
-    QStringList log() const { return {m_controller->logLines().begin(), m_controller->logLines().end()}; }
-
-    std::unique_ptr<tests::FakeSidecar> m_sidecar;
-    std::unique_ptr<tests::InMemoryUserDefaults> m_store;
-    std::unique_ptr<app::settings::ZorelSettings> m_settings;
-    std::unique_ptr<BackendController> m_controller;
 };
-
-void BackendControllerTest::init()
-{
-    m_sidecar = std::make_unique<tests::FakeSidecar>();
-    m_store = std::make_unique<tests::InMemoryUserDefaults>();
-    m_settings = std::make_unique<app::settings::ZorelSettings>(
-        *m_store, platform::StandardFolders::below(m_sidecar->root()));
-    m_controller = std::make_unique<BackendController>(*m_settings, m_sidecar->surroundings());
-}
-
-void BackendControllerTest::cleanup()
-{
-    m_controller.reset();
-    m_settings.reset();
-}
 
 void BackendControllerTest::beforeReadyItIsIdle()
 {
@@ -238,52 +174,6 @@ void BackendControllerTest::anyOtherStateTakesItsMaxStepsOver()
     }
 }
 
-void BackendControllerTest::aFinalSnapshotLeavesTheLiveOne()
-{
-    m_controller->apply(snapshot(false, 0, 0, 0.1));
-    m_controller->apply(snapshot(true, 0, 0, 0.2));
-    QCOMPARE(m_controller->liveNeurons()->layers[0].neurons[0].activation, 0.1);
-    QCOMPARE(m_controller->finalNeurons()->layers[0].neurons[0].activation, 0.2);
-}
-
-void BackendControllerTest::aLiveSnapshotLeavesTheFinalOne()
-{
-    QSignalSpy live(m_controller.get(), &BackendController::liveNeuronsChanged);
-    QSignalSpy final(m_controller.get(), &BackendController::finalNeuronsChanged);
-    m_controller->apply(snapshot(true, 0, 0, 0.2));
-    m_controller->apply(snapshot(false, 0, 0, 0.1));
-    QCOMPARE(m_controller->finalNeurons()->layers[0].neurons[0].activation, 0.2);
-    QCOMPARE(live.count(), 1);
-    QCOMPARE(final.count(), 1);
-}
-
-void BackendControllerTest::theSelectionFollowsNewSnapshots()
-{
-    m_controller->setSelectedNeuron(
-        protocol::NeuronSelection{3, {7, 0.1, 0, 63, protocol::NeuronActivityTier::inactive}});
-    m_controller->apply(snapshot(false, 3, 7, 0.9));
-    QCOMPARE(m_controller->selectedNeuron()->neuron.activation, 0.9);
-    QVERIFY(m_controller->selectedNeuron()->neuron.tier == protocol::NeuronActivityTier::high);
-    m_controller->apply(snapshot(true, 3, 7, 0.4));
-    QCOMPARE(m_controller->selectedNeuron()->neuron.activation, 0.4);
-}
-
-void BackendControllerTest::theSelectionIsKeptWhenItsLayerIsMissing()
-{
-    const protocol::NeuronSelection selection{3, {7, 0.1, 0, 63, protocol::NeuronActivityTier::inactive}};
-    m_controller->setSelectedNeuron(selection);
-    m_controller->apply(snapshot(false, 4, 7, 0.9));
-    QVERIFY(m_controller->selectedNeuron() == selection);
-}
-
-void BackendControllerTest::theSelectionIsKeptWhenItsIndexIsMissing()
-{
-    const protocol::NeuronSelection selection{3, {7, 0.1, 0, 63, protocol::NeuronActivityTier::inactive}};
-    m_controller->setSelectedNeuron(selection);
-    m_controller->apply(snapshot(false, 3, 8, 0.9));
-    QVERIFY(m_controller->selectedNeuron() == selection);
-}
-
 void BackendControllerTest::logEventsAppendTheirMessage()
 {
     m_controller->apply(protocol::LogEvent{QStringLiteral("WARN"), QStringLiteral("as it is")});
@@ -320,55 +210,6 @@ void BackendControllerTest::modelIdentityHasNoEffect()
 {
     m_controller->apply(protocol::ModelIdentityEvent{});
     QVERIFY(log().isEmpty());
-}
-
-void BackendControllerTest::anArchiveIsCountedFromTheFolderAndRescanned()
-{
-    RecordingLibrary store;
-    m_controller->setLibraryStore(&store);
-    m_settings->setFinishedModelsPath(QStringLiteral("~/Runs"));
-    const QString finishedModels = m_sidecar->pathOf(QStringLiteral("Runs"));
-    makeRun(finishedModels, QStringLiteral("a"));
-    makeRun(finishedModels, QStringLiteral("b"));
-    makeRun(finishedModels, QStringLiteral("c"));
-    QDir(finishedModels).mkpath(QStringLiteral("not-a-run"));
-
-    m_controller->apply(archive(QStringLiteral("/runs/c")));
-    QCOMPARE(m_controller->archivedCount(), 3);
-    QVERIFY(m_controller->recentArchive() == archive(QStringLiteral("/runs/c")));
-    QCOMPARE(store.scans, QStringList{finishedModels});
-    QCOMPARE(log(), QStringList{QStringLiteral("✓ archived model → /runs/c")});
-}
-
-void BackendControllerTest::theArchiveNoticeEndsAfter12Seconds()
-{
-    m_controller->apply(archive(QStringLiteral("/a")));
-    QCOMPARE(m_sidecar->timers.size(), std::size_t{1});
-    QVERIFY(m_sidecar->timers[0].delay == std::chrono::seconds(12));
-    m_sidecar->timers[0].action();
-    QVERIFY(!m_controller->recentArchive());
-}
-
-void BackendControllerTest::ofTwoArchivesTheSecondsTimerClears()
-{
-    m_controller->apply(archive(QStringLiteral("/a")));
-    m_controller->apply(archive(QStringLiteral("/b")));
-    m_sidecar->timers[0].action();
-    QVERIFY(m_controller->recentArchive() == archive(QStringLiteral("/b")));
-    m_sidecar->timers[1].action();
-    QVERIFY(!m_controller->recentArchive());
-}
-
-void BackendControllerTest::aNoticeTimerAfterTheControllersEndDoesNothing()
-{
-    auto surroundings = BackendController::Surroundings::system();
-    const QObject *guard = nullptr;
-    surroundings.runAfter = [&guard](std::chrono::milliseconds, QObject *context, std::function<void()>) {
-        guard = context;
-    };
-    BackendController controller(*m_settings, surroundings);
-    controller.apply(archive(QStringLiteral("/a")));
-    QCOMPARE(guard, &controller); // timers of a context object end with it
 }
 
 void BackendControllerTest::aSendWithoutChildIsSkippedWithItsName()
@@ -409,16 +250,6 @@ void BackendControllerTest::maxStepsAreClamped()
              QStringList{QStringLiteral("× send(set_max_steps) skipped — Python backend is not running")});
 }
 
-void BackendControllerTest::aVanishedLibraryIsNotAsked()
-{
-    auto store = std::make_unique<RecordingLibrary>();
-    m_controller->setLibraryStore(store.get());
-    store.reset();
-    m_controller->sendPaths();
-    m_controller->apply(archive(QStringLiteral("/a")));
-    QCOMPARE(m_controller->archivedCount(), 0);
-}
-
 void BackendControllerTest::anEndlessLogLineIsCut()
 {
     m_controller->appendLog(QString(BackendController::maximumLogLineLength + 5, QLatin1Char('x')));
@@ -429,7 +260,7 @@ void BackendControllerTest::theSystemsEnvironmentIsTakenByteForByte()
 {
     qputenv("ZOREL_ODD", "caf\xE9");
     qputenv("ZOREL_EMPTY", "");
-    const backend::bridge::Environment environment = BackendController::Surroundings::system().environment();
+    const platform::Environment environment = BackendController::Surroundings::system().environment();
     QCOMPARE(environment.value("ZOREL_ODD"), QByteArray("caf\xE9"));
     QVERIFY(environment.contains("ZOREL_EMPTY"));
     QVERIFY(!environment.contains("ZOREL_NEVER_SET"));
@@ -462,5 +293,7 @@ void BackendControllerTest::launchOfABrokenInterpreterIsAFatalError()
     QVERIFY(QDir(m_settings->trainingDataPath()).exists()); // the folders are made first
 }
 
-QTEST_GUILESS_MAIN(BackendControllerTest)
+} // namespace zorel::tests
+
+QTEST_GUILESS_MAIN(zorel::tests::BackendControllerTest)
 #include "BackendControllerTest.moc"

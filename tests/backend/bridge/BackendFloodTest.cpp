@@ -1,17 +1,12 @@
-#include "app/settings/ZorelSettings.h"
-#include "backend/bridge/BackendController.h"
-#include "tests/support/FakeSidecar.h"
-#include "tests/support/InMemoryUserDefaults.h"
+#include "tests/backend/bridge/ControllerFixture.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 #include <sys/resource.h>
 
-using namespace zorel;
-using namespace zorel::backend;
+namespace zorel::tests {
+
 using backend::bridge::BackendController;
-using tests::step;
 
 namespace {
 
@@ -29,24 +24,8 @@ std::int64_t peakMemory()
 #endif
 }
 
-} // namespace
-
-/// A million lines on both outputs at once.
-class BackendFloodTest : public QObject
+QJsonArray flood()
 {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void everyLineIsAppliedInOrderInBoundedMemory();
-};
-
-void BackendFloodTest::everyLineIsAppliedInOrderInBoundedMemory()
-{
-    tests::FakeSidecar sidecar;
-    tests::InMemoryUserDefaults store;
-    app::settings::ZorelSettings settings(store, platform::StandardFolders::below(sidecar.root()));
-    BackendController controller(settings, sidecar.surroundings());
-
     const QJsonObject status{{QStringLiteral("event"), QStringLiteral("status")},
                              {QStringLiteral("state"), QStringLiteral("running")},
                              {QStringLiteral("step"), 0},
@@ -56,36 +35,59 @@ void BackendFloodTest::everyLineIsAppliedInOrderInBoundedMemory()
                              {QStringLiteral("grad_norm"), 1},
                              {QStringLiteral("tokens_per_sec"), 5000},
                              {QStringLiteral("elapsed_s"), 10}};
-    sidecar.play(
-        {step(QStringLiteral("flood"), QJsonObject{{QStringLiteral("emit"), status},
-                                                   {QStringLiteral("count"), double(floodLines)},
-                                                   {QStringLiteral("counter"), QStringLiteral("step")},
-                                                   {QStringLiteral("stderr"), double(floodLines)}}),
-         step(QStringLiteral("exit"), 0)});
+    return {step(QStringLiteral("flood"), QJsonObject{{QStringLiteral("emit"), status},
+                                                      {QStringLiteral("count"), double(floodLines)},
+                                                      {QStringLiteral("counter"), QStringLiteral("step")},
+                                                      {QStringLiteral("stderr"), double(floodLines)}}),
+            step(QStringLiteral("exit"), 0)};
+}
 
-    std::int64_t nextStep = 0;
-    std::int64_t nextLine = 0;
-    bool inOrder = true;
-    connect(&controller, &BackendController::statusChanged, this, [&] {
-        inOrder = inOrder && controller.status().step == nextStep;
-        ++nextStep;
+} // namespace
+
+/// A million lines on both outputs at once.
+class BackendFloodTest : public ControllerFixture
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { makeController(); }
+    void cleanup() { endController(); }
+    void everyLineIsAppliedInOrderInBoundedMemory();
+
+private:
+    void watchOrder();
+
+    std::int64_t m_nextStep = 0;
+    std::int64_t m_nextLine = 0;
+    bool m_inOrder = true;
+};
+
+void BackendFloodTest::watchOrder()
+{
+    connect(m_controller.get(), &BackendController::statusChanged, this, [this] {
+        m_inOrder = m_inOrder && m_controller->status().step == m_nextStep;
+        ++m_nextStep;
     });
-    connect(&controller, &BackendController::logLineAppended, this, [&](const QString &line) {
+    connect(m_controller.get(), &BackendController::logLineAppended, this, [this](const QString &line) {
         if (line.startsWith(QLatin1String("[py stderr] line "))) {
-            inOrder = inOrder && line.mid(17).toLongLong() == nextLine;
-            ++nextLine;
+            m_inOrder = m_inOrder && line.mid(17).toLongLong() == m_nextLine;
+            ++m_nextLine;
         }
     });
+}
 
-    QSignalSpy exited(&controller, &BackendController::backendExited);
+void BackendFloodTest::everyLineIsAppliedInOrderInBoundedMemory()
+{
+    watchOrder();
+    QSignalSpy exited(m_controller.get(), &BackendController::backendExited);
     const std::int64_t before = peakMemory();
-    controller.launch();
+    play(flood());
     QVERIFY(exited.wait(100'000));
-    QVERIFY(inOrder);
-    QCOMPARE(nextStep, floodLines);
-    QCOMPARE(nextLine, floodLines);
-    QCOMPARE(controller.lossHistory().size(), BackendController::maximumLossPoints);
-    QCOMPARE(controller.lossHistory().back().step, floodLines - 1);
+    QVERIFY(m_inOrder);
+    QCOMPARE(m_nextStep, floodLines);
+    QCOMPARE(m_nextLine, floodLines);
+    QCOMPARE(m_controller->lossHistory().size(), BackendController::maximumLossPoints);
+    QCOMPARE(m_controller->lossHistory().back().step, floodLines - 1);
 #if !defined(__SANITIZE_ADDRESS__)
     const std::int64_t growth = peakMemory() - before;
     QVERIFY2(growth < std::int64_t{64} * 1024 * 1024, qPrintable(QString::number(growth)));
@@ -94,5 +96,7 @@ void BackendFloodTest::everyLineIsAppliedInOrderInBoundedMemory()
 #endif
 }
 
-QTEST_GUILESS_MAIN(BackendFloodTest)
+} // namespace zorel::tests
+
+QTEST_GUILESS_MAIN(zorel::tests::BackendFloodTest)
 #include "BackendFloodTest.moc"

@@ -1,20 +1,14 @@
-#include "app/settings/ZorelSettings.h"
-#include "backend/bridge/BackendController.h"
-#include "platform/BrokenPipe.h"
-#include "tests/support/FakeSidecar.h"
-#include "tests/support/InMemoryUserDefaults.h"
+#include "tests/backend/bridge/ControllerFixture.h"
 
 #include <QDir>
 #include <QSignalSpy>
-#include <QTest>
 
 #include <sys/resource.h>
 #include <unistd.h>
 
-using namespace zorel;
-using namespace zorel::backend;
+namespace zorel::tests {
+
 using backend::bridge::BackendController;
-using tests::step;
 
 namespace {
 
@@ -42,64 +36,38 @@ private:
 } // namespace
 
 /// A controller that launches again and again, or cannot.
-class BackendRelaunchTest : public QObject
+class BackendRelaunchTest : public ControllerFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { platform::ignoreBrokenPipe(); }
-    void init();
-    void cleanup();
+    void init() { makeController(); }
+    void cleanup() { endController(); }
 
     void aListenerOfTheLogMayRelaunch();
     void aListenerOfAFailedSendMayRelaunch();
     void hundredRelaunchesLeaveNothingBehind();
     void withoutDescriptorsTheLaunchFailsAndTheNextSucceeds();
-
-private:
-    QStringList log() const { return {m_controller->logLines().begin(), m_controller->logLines().end()}; }
-
-    std::unique_ptr<tests::FakeSidecar> m_sidecar;
-    std::unique_ptr<tests::InMemoryUserDefaults> m_store;
-    std::unique_ptr<app::settings::ZorelSettings> m_settings;
-    std::unique_ptr<BackendController> m_controller;
 };
-
-void BackendRelaunchTest::init()
-{
-    m_sidecar = std::make_unique<tests::FakeSidecar>();
-    m_store = std::make_unique<tests::InMemoryUserDefaults>();
-    m_settings = std::make_unique<app::settings::ZorelSettings>(
-        *m_store, platform::StandardFolders::below(m_sidecar->root()));
-    m_controller = std::make_unique<BackendController>(*m_settings, m_sidecar->surroundings());
-}
-
-void BackendRelaunchTest::cleanup()
-{
-    if (m_controller->isRunning()) {
-        m_controller->killSidecar();
-        QTRY_VERIFY(!m_controller->isRunning());
-    }
-    m_controller.reset();
-    m_settings.reset();
-}
 
 void BackendRelaunchTest::aListenerOfTheLogMayRelaunch()
 {
     m_sidecar->play({step(QStringLiteral("exit"), 3)});
     int exits = 0;
-    connect(m_controller.get(), &BackendController::logLineAppended, this, [&](const QString &line) {
-        if (line == QLatin1String("backend exited (code 3)") && ++exits == 1) {
-            m_sidecar->play({step(QStringLiteral("emit"),
-                                  QJsonObject{{QStringLiteral("event"), QStringLiteral("ready")}})});
-            m_controller->launch();
-        }
-    });
+    QObject untilTheTestEnds;
+    connect(m_controller.get(), &BackendController::logLineAppended, &untilTheTestEnds,
+            [&](const QString &line) {
+                if (line == QLatin1String("backend exited (code 3)") && ++exits == 1) {
+                    m_sidecar->play({step(QStringLiteral("emit"),
+                                          QJsonObject{{QStringLiteral("event"), QStringLiteral("ready")}})});
+                    m_controller->launch();
+                }
+            });
     m_controller->launch();
-    QTRY_VERIFY(m_controller->ready());
+    QTRY_VERIFY_WITH_TIMEOUT(m_controller->ready(), patience);
     QCOMPARE(exits, 1);
     m_controller->sendCommand(QStringLiteral("quit"));
-    QTRY_VERIFY(log().contains(QStringLiteral("backend exited (code 0)")));
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(QStringLiteral("backend exited (code 0)")), patience);
     QVERIFY(!log().join(u'\n').contains(QStringLiteral("skipped")));
 }
 
@@ -111,7 +79,7 @@ void BackendRelaunchTest::aListenerOfAFailedSendMayRelaunch()
          step(QStringLiteral("stop_reading"), true)});
     QSignalSpy done(m_controller.get(), &BackendController::backendDone);
     m_controller->launch();
-    QVERIFY(done.wait(30'000));
+    QVERIFY(done.wait(patience));
     connect(m_controller.get(), &BackendController::logLineAppended, this, [&](const QString &line) {
         if (line.startsWith(QStringLiteral("× send failed"))) {
             m_controller->killSidecar();
@@ -124,9 +92,9 @@ void BackendRelaunchTest::aListenerOfAFailedSendMayRelaunch()
         }
     });
     m_controller->sendCommand(QStringLiteral("stop"));
-    QTRY_VERIFY(m_controller->ready());
+    QTRY_VERIFY_WITH_TIMEOUT(m_controller->ready(), patience);
     m_controller->sendCommand(QStringLiteral("quit"));
-    QTRY_VERIFY(log().contains(QStringLiteral("backend exited (code 0)")));
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(QStringLiteral("backend exited (code 0)")), patience);
     QVERIFY(!log().join(u'\n').contains(QStringLiteral("skipped")));
 }
 
@@ -140,7 +108,7 @@ void BackendRelaunchTest::hundredRelaunchesLeaveNothingBehind()
     };
     const auto launchOnce = [&] {
         m_controller->launch();
-        return exited.wait(30'000);
+        return exited.wait(patience);
     };
     QVERIFY(launchOnce());
     const qsizetype descriptors = entries("/dev/fd");
@@ -148,8 +116,8 @@ void BackendRelaunchTest::hundredRelaunchesLeaveNothingBehind()
     for (int round = 0; round < 100; ++round) {
         QVERIFY(launchOnce());
     }
-    QTRY_VERIFY(entries("/dev/fd") <= descriptors);
-    QTRY_VERIFY(entries("/proc/self/task") <= threads);
+    QTRY_VERIFY_WITH_TIMEOUT(entries("/dev/fd") <= descriptors, patience);
+    QTRY_VERIFY_WITH_TIMEOUT(entries("/proc/self/task") <= threads, patience);
 }
 
 void BackendRelaunchTest::withoutDescriptorsTheLaunchFailsAndTheNextSucceeds()
@@ -171,11 +139,13 @@ void BackendRelaunchTest::withoutDescriptorsTheLaunchFailsAndTheNextSucceeds()
             QVERIFY(!m_controller->isRunning());
             m_controller->launch();
         }
-        QVERIFY(exited.wait(30'000));
+        QVERIFY(exited.wait(patience));
     }
     QVERIFY(failures > 6); // of the child's pipes, and of those that wake the readers
 #endif
 }
 
-QTEST_GUILESS_MAIN(BackendRelaunchTest)
+} // namespace zorel::tests
+
+QTEST_GUILESS_MAIN(zorel::tests::BackendRelaunchTest)
 #include "BackendRelaunchTest.moc"

@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 using zorel::backend::bridge::CommandQueue;
-using zorel::backend::bridge::Pipe;
+using zorel::platform::Pipe;
 
 namespace {
 

@@ -12,7 +12,7 @@
 
 using zorel::backend::bridge::Line;
 using zorel::backend::bridge::LineReader;
-using zorel::backend::bridge::Pipe;
+using zorel::platform::Pipe;
 
 namespace {
 

@@ -4,7 +4,6 @@
 
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
 using zorel::backend::bridge::LineBatch;

@@ -23,8 +23,9 @@ private Q_SLOTS:
 void BadLineTest::aLineOf300CharactersIsCutTo120()
 {
     std::string line;
-    for (int index = 0; index < 300; ++index)
+    for (int index = 0; index < 300; ++index) {
         line += static_cast<char>('a' + index % 26);
+    }
     QCOMPARE(startOfLine(line), QString::fromStdString(line.substr(0, 120)));
 }
 
@@ -100,10 +101,12 @@ void BadLineTest::aHugeLineCostsNoMoreThanItsStart()
 {
     const std::string letters(64 * 1024 * 1024, 'x');
     std::string marks = "\xC3\xA4" + letters;
-    for (int round = 0; round < 2000; ++round)
+    for (int round = 0; round < 2000; ++round) {
         QCOMPARE(startOfLine(letters).size(), 120);
-    for (int round = 0; round < 200; ++round)
+    }
+    for (int round = 0; round < 200; ++round) {
         QCOMPARE(startOfLine(marks).size(), 120);
+    }
 }
 
 QTEST_APPLESS_MAIN(BadLineTest)

@@ -49,8 +49,9 @@ private Q_SLOTS:
 void CommandEncoderTest::commandsWithoutKeys_data()
 {
     QTest::addColumn<QString>("name");
-    for (const char *name : {"toggle_pause", "stop", "quit"})
+    for (const char *name : {"toggle_pause", "stop", "quit"}) {
         QTest::newRow(name) << QString::fromLatin1(name);
+    }
 }
 
 void CommandEncoderTest::commandsWithoutKeys()
@@ -144,8 +145,9 @@ void CommandEncoderTest::stepCountsAreClamped()
 void CommandEncoderTest::keysAreSortedByTheirCharacters()
 {
     QJsonObject object;
-    for (const char *key : {"b", "a_b", "ab", "a", "c", "B"})
+    for (const char *key : {"b", "a_b", "ab", "a", "c", "B"}) {
         object.insert(QString::fromLatin1(key), 1);
+    }
     QCOMPARE(encodeCommand(object), QByteArray("{\"B\":1,\"a\":1,\"a_b\":1,\"ab\":1,\"b\":1,\"c\":1}\n"));
 }
 

@@ -24,14 +24,18 @@ public:
                                      "\"model_archived\"", "\"paths\"", "\"model_identity\"", "\"done\"",
                                      "\"status\"", "\"neurons\"", "\"other\"", "7"})};
         for (const char *key :
-             {"step", "max_steps", "n_layers", "neurons_per_layer", "hidden_dim", "default_max_steps"})
+             {"step", "max_steps", "n_layers", "neurons_per_layer", "hidden_dim", "default_max_steps"}) {
             add(fields, key, integer());
+        }
         for (const char *key : {"loss", "lr", "grad_norm", "tokens_per_sec", "elapsed_s", "val_loss",
-                                "prep_progress", "prep_elapsed_s", "prep_eta_s", "elapsed"})
+                                "prep_progress", "prep_elapsed_s", "prep_eta_s", "elapsed"}) {
             add(fields, key, number());
-        for (const char *key : {"state", "error", "prep_detail", "level", "msg", "path", "folder_name",
-                                "library_root", "training_data", "finished_models", "model_root", "unknown"})
+        }
+        for (const char *key :
+             {"state", "error", "prep_detail", "level", "msg", "path", "folder_name", "library_root",
+              "training_data", "finished_models", "model_root", "unknown"}) {
             add(fields, key, text());
+        }
         add(fields, "final", oneOf({"true", "false"}));
         add(fields, "layers", layers());
         return object(fields);
@@ -122,16 +126,19 @@ private:
     void add(QByteArrayList &fields, const char *key, const QByteArray &value)
     {
         const int chance = below(200);
-        if (chance > 0)
+        if (chance > 0) {
             fields << '"' + QByteArray(key) + '"' + separator(':') + (chance == 1 ? wrong() : value);
-        if (chance == 2)
+        }
+        if (chance == 2) {
             fields << '"' + QByteArray(key) + "\":" + wrong();
+        }
     }
 
     QByteArray object(QByteArrayList fields)
     {
-        if (below(4) == 0)
+        if (below(4) == 0) {
             std::shuffle(fields.begin(), fields.end(), m_random);
+        }
         return '{' + fields.join(separator(',')) + '}';
     }
 
@@ -151,8 +158,9 @@ Validity validity(const QByteArray &line)
 {
     QJsonParseError error;
     QJsonDocument::fromJson(line, &error);
-    if (error.error == QJsonParseError::IllegalNumber)
+    if (error.error == QJsonParseError::IllegalNumber) {
         return Validity::numberOutOfRange;
+    }
     static simdjson::dom::parser parser;
     switch (parser.parse(line.constData(), static_cast<std::size_t>(line.size())).error()) {
     case simdjson::SUCCESS:
@@ -197,8 +205,9 @@ void EventDifferentialTest::generatedLinesDecodeAsByTheReference()
         ++(expected ? seen[expected->index()] : bad);
     }
     QVERIFY(bad > 500);
-    for (const int count : seen)
+    for (const int count : seen) {
         QVERIFY(count > 250);
+    }
 }
 
 void EventDifferentialTest::mutatedLinesDecodeAsByTheReference()

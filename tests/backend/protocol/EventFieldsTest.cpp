@@ -129,12 +129,14 @@ QVariantMap fieldsOf(const NeuronSnapshotPayload &snapshot)
                        {QStringLiteral("neurons_per_layer"), qint64(snapshot.neuronsPerLayer)},
                        {QStringLiteral("hidden_dim"), qint64(snapshot.hiddenDim)},
                        {QStringLiteral("layers"), qint64(snapshot.layers.size())}};
-    if (snapshot.layers.empty())
+    if (snapshot.layers.empty()) {
         return fields;
+    }
     fields[QStringLiteral("layer")] = qint64(snapshot.layers[0].layer);
     fields[QStringLiteral("neurons")] = qint64(snapshot.layers[0].neurons.size());
-    if (snapshot.layers[0].neurons.empty())
+    if (snapshot.layers[0].neurons.empty()) {
         return fields;
+    }
     const auto &neuron = snapshot.layers[0].neurons[0];
     fields[QStringLiteral("index")] = qint64(neuron.index);
     fields[QStringLiteral("activation")] = neuron.activation;
@@ -189,8 +191,9 @@ std::optional<QVariantMap> decodedFields(const QByteArray &line)
 QByteArray sampleLine(const char *event)
 {
     for (const char *line : sampleLines) {
-        if (QByteArray(line).startsWith("{\"event\":\"" + QByteArray(event) + "\""))
+        if (QByteArray(line).startsWith("{\"event\":\"" + QByteArray(event) + "\"")) {
             return line;
+        }
     }
     qFatal("no sample of %s", event);
 }
@@ -263,42 +266,49 @@ std::vector<Good> goodValues(Type type)
 QByteArrayList wrongValues(Type type)
 {
     QByteArrayList wrong{"null", "{}", "{\"a\":[1]}"};
-    if (type != Type::list)
+    if (type != Type::list) {
         wrong << "[]"
               << "[1]";
-    if (type != Type::flag)
+    }
+    if (type != Type::flag) {
         wrong << "true"
               << "false";
-    if (type != Type::text && type != Type::tier)
+    }
+    if (type != Type::text && type != Type::tier) {
         wrong << "\"\""
               << "\"7\""
               << "\"true\"";
-    if (type == Type::integer)
+    }
+    if (type == Type::integer) {
         wrong << "5.5"
               << "7e-1"
               << "9223372036854775808"
               << "-9223372036854775809"
               << "18446744073709551616"
               << "1e30";
-    if (type == Type::integer || type == Type::number)
+    }
+    if (type == Type::integer || type == Type::number) {
         wrong << "1e999"
               << "-1e999";
-    else
+    } else {
         wrong << "0"
               << "1"
               << "1.5"
               << "1e999";
-    if (type == Type::list)
+    }
+    if (type == Type::list) {
         wrong << "[1]"
               << "[null]"
               << "[{}]"
               << "[[]]";
-    if (type == Type::tier)
+    }
+    if (type == Type::tier) {
         wrong << "\"\""
               << "\"High\""
               << "\"high \""
               << "\"highest\""
               << "\"low\"";
+    }
     return wrong;
 }
 
@@ -316,8 +326,9 @@ private Q_SLOTS:
 
 void EventFieldsTest::everySampleLineDecodes()
 {
-    for (const char *line : sampleLines)
+    for (const char *line : sampleLines) {
         QVERIFY2(decodedFields(line), line);
+    }
 }
 
 void EventFieldsTest::everyKey_data()
@@ -329,10 +340,12 @@ void EventFieldsTest::everyKey_data()
         const QByteArray prefix = QByteArray(key.event) + '.' + key.name + ": ";
         const QString name = QString::fromLatin1(key.name);
         QTest::newRow((prefix + "missing").constData()) << lineWithout(key) << name << key.otherwise;
-        for (const QByteArray &json : wrongValues(key.type))
+        for (const QByteArray &json : wrongValues(key.type)) {
             QTest::newRow((prefix + json).constData()) << lineWith(key, json) << name << key.otherwise;
-        for (const Good &good : goodValues(key.type))
+        }
+        for (const Good &good : goodValues(key.type)) {
             QTest::newRow((prefix + good.json).constData()) << lineWith(key, good.json) << name << good.value;
+        }
     }
 }
 
@@ -343,8 +356,9 @@ void EventFieldsTest::everyKey()
     QFETCH(QVariant, expected);
     const std::optional<QVariantMap> fields = decodedFields(line);
     QCOMPARE(fields.has_value(), expected.isValid());
-    if (fields)
+    if (fields) {
         QCOMPARE(fields->value(key), expected);
+    }
 }
 
 QTEST_APPLESS_MAIN(EventFieldsTest)

@@ -59,8 +59,9 @@ void JsonNumberTest::otherNumbers_data()
     for (const char *token :
          {"5.5", "1e-1", "0.1", "9223372036854775808", "-9223372036854775809", "1e19", "1e999",
           "1e99999999999999999999", "1e-99999999999999999999", "10e9223372036854775807",
-          "1.55e-9223372036854775807", "9223372036854775807.5", "99999999999999999999e-1"})
+          "1.55e-9223372036854775807", "9223372036854775807.5", "99999999999999999999e-1"}) {
         QTest::newRow(token) << QByteArray(token);
+    }
 }
 
 void JsonNumberTest::otherNumbers()
@@ -74,8 +75,9 @@ void JsonNumberTest::whatIsNoNumber_data()
 {
     QTest::addColumn<QByteArray>("token");
     for (const char *token : {"", "-", "+1", "01", "-01", "1.", ".5", "1e", "1e+", "1.e1", "1 ", " 1", "1x",
-                              "0x1", "NaN", "Infinity", "1.5.5", "1e1.0", "--1"})
+                              "0x1", "NaN", "Infinity", "1.5.5", "1e1.0", "--1"}) {
         QTest::newRow(token) << QByteArray(token);
+    }
 }
 
 void JsonNumberTest::whatIsNoNumber()

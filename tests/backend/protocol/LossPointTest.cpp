@@ -89,8 +89,9 @@ void LossPointTest::badLines_data()
                              R"({"step":5,"loss":5)",
                              R"({"step":5,"loss":5}})",
                              R"({"step":5,"loss":5} {"step":6,"loss":6})",
-                             R"({"step":5,"loss":5,"x":01})"})
+                             R"({"step":5,"loss":5,"x":01})"}) {
         QTest::newRow(line) << QByteArray(line);
+    }
 }
 
 void LossPointTest::badLines()

@@ -35,8 +35,9 @@ std::optional<std::int64_t> integerIn(const QJsonObject &object, const char *key
 {
     const QJsonValue value = valueOf(object, key);
     // Two different answers for two defaults: it is no integer.
-    if (value.toInteger(1) != value.toInteger(2))
+    if (value.toInteger(1) != value.toInteger(2)) {
         return std::nullopt;
+    }
     return value.toInteger();
 }
 
@@ -55,8 +56,9 @@ std::optional<QString> textIn(const QJsonObject &object, const char *key)
 template <class Value>
 Value required(const std::optional<Value> &value)
 {
-    if (!value)
+    if (!value) {
         throw BadEvent();
+    }
     return *value;
 }
 
@@ -84,8 +86,9 @@ VisualNeuron neuronOf(const QJsonObject &object)
 {
     const QString tier = required(textIn(object, "tier"));
     const QStringList tiers{QStringLiteral("inactive"), QStringLiteral("moderate"), QStringLiteral("high")};
-    if (!tiers.contains(tier))
+    if (!tiers.contains(tier)) {
         throw BadEvent();
+    }
     return {required(integerIn(object, "index")), required(numberIn(object, "activation")),
             required(integerIn(object, "dim_start")), required(integerIn(object, "dim_end")),
             static_cast<NeuronActivityTier>(tiers.indexOf(tier))};
@@ -94,22 +97,25 @@ VisualNeuron neuronOf(const QJsonObject &object)
 QJsonArray listIn(const QJsonObject &object, const char *key)
 {
     const QJsonValue value = valueOf(object, key);
-    if (!value.isArray())
+    if (!value.isArray()) {
         throw BadEvent();
+    }
     return value.toArray();
 }
 
 QJsonObject entry(const QJsonValue &value)
 {
-    if (!value.isObject())
+    if (!value.isObject()) {
         throw BadEvent();
+    }
     return value.toObject();
 }
 
 NeuronSnapshotPayload snapshotOf(const QJsonObject &object)
 {
-    if (!valueOf(object, "final").isBool())
+    if (!valueOf(object, "final").isBool()) {
         throw BadEvent();
+    }
     NeuronSnapshotPayload snapshot;
     snapshot.step = required(integerIn(object, "step"));
     snapshot.final = valueOf(object, "final").toBool();
@@ -119,8 +125,9 @@ NeuronSnapshotPayload snapshotOf(const QJsonObject &object)
     for (const QJsonValue layerValue : listIn(object, "layers")) {
         const QJsonObject layerObject = entry(layerValue);
         LayerNeurons layer{required(integerIn(layerObject, "layer")), {}};
-        for (const QJsonValue neuronValue : listIn(layerObject, "neurons"))
+        for (const QJsonValue neuronValue : listIn(layerObject, "neurons")) {
             layer.neurons.push_back(neuronOf(entry(neuronValue)));
+        }
         snapshot.layers.push_back(layer);
     }
     return snapshot;
@@ -151,25 +158,34 @@ BackendPaths pathsOf(const QJsonObject &object)
 BackendEvent eventOf(const QJsonObject &object)
 {
     const QString name = required(textIn(object, "event"));
-    if (name == QLatin1StringView("ready"))
+    if (name == QLatin1StringView("ready")) {
         return ReadyEvent{integerIn(object, "default_max_steps").value_or(50000)};
-    if (name == QLatin1StringView("status"))
+    }
+    if (name == QLatin1StringView("status")) {
         return statusOf(object);
-    if (name == QLatin1StringView("neurons"))
+    }
+    if (name == QLatin1StringView("neurons")) {
         return snapshotOf(object);
-    if (name == QLatin1StringView("log"))
+    }
+    if (name == QLatin1StringView("log")) {
         return LogEvent{textIn(object, "level").value_or(QStringLiteral("INFO")),
                         textIn(object, "msg").value_or(QString())};
-    if (name == QLatin1StringView("error"))
+    }
+    if (name == QLatin1StringView("error")) {
         return ErrorEvent{textIn(object, "msg").value_or(QStringLiteral("unknown error"))};
-    if (name == QLatin1StringView("model_archived"))
+    }
+    if (name == QLatin1StringView("model_archived")) {
         return archivedModelOf(object);
-    if (name == QLatin1StringView("paths"))
+    }
+    if (name == QLatin1StringView("paths")) {
         return pathsOf(object);
-    if (name == QLatin1StringView("model_identity"))
+    }
+    if (name == QLatin1StringView("model_identity")) {
         return ModelIdentityEvent();
-    if (name == QLatin1StringView("done"))
+    }
+    if (name == QLatin1StringView("done")) {
         return DoneEvent();
+    }
     throw BadEvent();
 }
 

@@ -69,8 +69,9 @@ void SnapshotDecoderTest::layersMayBeEmpty()
 void SnapshotDecoderTest::aLayerMayHaveTenThousandNeurons()
 {
     std::string list = neuron;
-    for (int index = 1; index < 10'000; ++index)
+    for (int index = 1; index < 10'000; ++index) {
         list += ", " + neuron;
+    }
     const auto snapshot = decodeSnapshot(head + "[{\"layer\":0,\"neurons\":[" + list + "]}]}");
     QVERIFY(snapshot);
     QCOMPARE(snapshot->layers[0].neurons.size(), std::size_t(10'000));

@@ -61,14 +61,17 @@ private Q_SLOTS:
                 const auto idOf = [thread](int call) {
                     return u"t%1-%2"_s.arg(thread).arg(call);
                 };
-                for (int call = 0; call < callsPerThread; ++call)
+                for (int call = 0; call < callsPerThread; ++call) {
                     calls.push_back(client.support.getTicket(idOf(call)));
-                for (int call = 0; call < callsPerThread; ++call)
+                }
+                for (int call = 0; call < callsPerThread; ++call) {
                     good += resultOf(calls[std::size_t(call)]).ticket.id == idOf(call);
+                }
             });
         }
-        for (std::thread &thread : threads)
+        for (std::thread &thread : threads) {
             thread.join();
+        }
         QCOMPARE(good.load(), 8 * callsPerThread);
     }
 
@@ -95,9 +98,10 @@ private Q_SLOTS:
         const CaldraClient client = clientOf(server);
         QThreadPool &pool = *QThreadPool::globalInstance();
         std::atomic<int> good = 0;
-        for (int task = 0; task < 2 * pool.maxThreadCount(); ++task)
+        for (int task = 0; task < 2 * pool.maxThreadCount(); ++task) {
             pool.start(
                 [&] { good += resultOf(client.support.getTicket(u"1"_s)).ticket.body->size() == 1 << 20; });
+        }
         pool.waitForDone();
         QCOMPARE(good.load(), 2 * pool.maxThreadCount());
     }
@@ -171,8 +175,9 @@ private Q_SLOTS:
         auto transport = std::make_unique<NetworkTransport>();
         const QFuture<TransportAnswer> answered = transport->send({"GET", server.url(u"/"_s), {}, {}});
         std::vector<QFuture<TransportAnswer>> waiting;
-        for (int request = 0; request < 20; ++request)
+        for (int request = 0; request < 20; ++request) {
             waiting.push_back(transport->send({"GET", server.url(u"/"_s), {}, {}}));
+        }
         QVERIFY(server.received.tryAcquire(6, 20000));
         transport.reset();
         await(answered);
@@ -206,8 +211,9 @@ private Q_SLOTS:
         });
         const CaldraClient client = clientOf(server);
         auto stalled = client.support.getTicket(u"stalled"_s);
-        for (int call = 0; call < 20; ++call)
+        for (int call = 0; call < 20; ++call) {
             QCOMPARE(resultOf(client.support.getTicket(u"x"_s)).ticket.id, u"x"_s);
+        }
         QVERIFY(!stalled.isFinished());
         stalled.cancel();
         await(stalled);

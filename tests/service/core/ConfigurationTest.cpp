@@ -69,6 +69,15 @@ private Q_SLOTS:
             " (string value, no quotes)."_s);
     }
 
+    void leavesOutABundleIdentifierThatIsEmpty()
+    {
+        const QVariantMap emptyOrganization{{u"CaldraAPIKey"_s, u"key"_s},
+                                            {u"CaldraOrganizationId"_s, u""_s}};
+        for (const QVariantMap &information : {QVariantMap(), emptyOrganization}) {
+            QCOMPARE(failure(information, {}, u""_s), failure(information));
+        }
+    }
+
     void saysThatTheOrganizationIsEmpty()
     {
         const QVariantMap empty{{u"CaldraAPIKey"_s, u"key"_s}, {u"CaldraOrganizationId"_s, u""_s}};
@@ -114,13 +123,15 @@ private Q_SLOTS:
     void allowsPlainAddressesOnThisMachineAlone()
     {
         for (const char *allowed : {"https://a.example", "http://127.0.0.1:80", "http://127.1.2.3",
-                                    "http://localhost/x", "http://[::1]:8080/x", "https://127.0.0.1"})
+                                    "http://localhost/x", "http://[::1]:8080/x", "https://127.0.0.1"}) {
             QVERIFY2(isAllowedAddress(QUrl(QString::fromLatin1(allowed))), allowed);
+        }
         for (const char *refused :
              {"http://a.example", "http://localhost.a.example", "http://127.0.0.1.a.example",
               "http://0.0.0.0", "file:///etc/passwd", "data:text/plain,x", "ftp://a.example",
-              "https://user:pw@a.example", "https:///x", ""})
+              "https://user:pw@a.example", "https:///x", ""}) {
             QVERIFY2(!isAllowedAddress(QUrl(QString::fromLatin1(refused))), refused);
+        }
     }
 
     void givesEachServiceItsAddressAndOrganization()

@@ -14,6 +14,20 @@ QByteArray answer(const QByteArray &headers, const QByteArray &body = {})
     return "HTTP/1.1 200 OK\r\n" + headers + "\r\n" + body;
 }
 
+/// An answer that is passed on as it arrives.
+struct Reading
+{
+    QByteArray passedOn;
+    QList<int> heads; ///< the status of each, told before anything was passed on
+    HTTPAnswerParser parser{largestBody, caldra::AnswerReader{[this](HTTPAnswerParser &head) {
+                                                                  heads +=
+                                                                      passedOn.isEmpty() ? head.status() : -1;
+                                                              },
+                                                              [this](QByteArrayView bytes) {
+                                                                  passedOn += bytes;
+                                                              }}};
+};
+
 } // namespace
 
 class HTTPAnswerParserTest : public QObject
@@ -38,6 +52,9 @@ private Q_SLOTS:
                                  << QByteArray("a") << 200 << true;
         QTest::newRow("nothing to come")
             << QByteArray("HTTP/1.1 204 No Content\r\n\r\n") << QByteArray() << 204 << true;
+        QTest::newRow("not modified, with the length that it would have had")
+            << QByteArray("HTTP/1.1 304 Not Modified\r\nContent-Length: 5\r\n\r\n") << QByteArray() << 304
+            << true;
         QTest::newRow("older") << QByteArray("HTTP/1.0 404 X\r\nContent-Length: 1\r\n\r\na")
                                << QByteArray("a") << 404 << false;
     }
@@ -59,6 +76,45 @@ private Q_SLOTS:
             QCOMPARE(parser.keepsConnection(), keepsConnection);
             QCOMPARE(parser.takeBody(), body);
         }
+    }
+
+    void passesTheBodyOn_data() { readsEveryFraming_data(); }
+
+    void passesTheBodyOn()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QByteArray, body);
+        QFETCH(int, status);
+        QFETCH(bool, keepsConnection);
+        for (qsizetype piece = 1; piece <= bytes.size(); ++piece) {
+            Reading reading;
+            for (qsizetype at = 0; at < bytes.size(); at += piece) {
+                reading.parser.feed(bytes.mid(at, piece));
+            }
+            QVERIFY(reading.parser.state() == State::complete);
+            QCOMPARE(reading.heads, QList<int>{status});
+            QCOMPARE(reading.passedOn, body);
+            QCOMPARE(reading.parser.takeBody(), QByteArray());
+            QCOMPARE(reading.parser.keepsConnection(), keepsConnection);
+        }
+    }
+
+    void passesOnUntilTheEnd()
+    {
+        Reading reading;
+        reading.parser.feed(answer("Server: x\r\n", "abc"));
+        QVERIFY(reading.parser.feed("def") == State::body);
+        QVERIFY(reading.parser.end() == State::complete);
+        QCOMPARE(reading.passedOn, "abcdef");
+        QVERIFY(!reading.parser.announcedLength());
+    }
+
+    void tellsTheLengthWithTheHead()
+    {
+        Reading reading;
+        QVERIFY(reading.parser.feed(answer("Content-Length: 12\r\n")) == State::body);
+        QCOMPARE(reading.heads.size(), 1);
+        QCOMPARE(reading.parser.announcedLength(), std::optional<qint64>(12));
     }
 
     void readsUntilTheEnd()
@@ -117,6 +173,13 @@ private Q_SLOTS:
               answer("Transfer-Encoding: chunked\r\n", QByteArray("1\r\nx\r\n").repeated(1001))}) {
             HTTPAnswerParser parser(largestBody);
             QVERIFY(parser.feed(bytes) == State::tooLarge);
+
+            Reading reading;
+            const qsizetype headEnd = bytes.indexOf("\r\n\r\n") + 4;
+            reading.parser.feed(bytes.left(headEnd));
+            QVERIFY(reading.parser.feed(bytes.mid(headEnd)) == State::tooLarge);
+            QCOMPARE(reading.heads, QList<int>{200});
+            QVERIFY(reading.passedOn.size() <= largestBody);
         }
     }
 

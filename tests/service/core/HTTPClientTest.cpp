@@ -88,6 +88,17 @@ private Q_SLOTS:
                            std::pair<QByteArray, QByteArray>("X-Client", "t")) == 1);
     }
 
+    void letsADefaultHeaderReplaceTheAuthorization()
+    {
+        const auto transport = std::make_shared<FakeTransport>(200, goodHealth);
+        HTTPClient client = clientOver(transport);
+        client.configuration.defaultHeaders = {{u"authorization"_s, u"Basic mine"_s}};
+        resultOf(client.request<HealthResponse>(HTTPMethod::GET, u"/p"_s));
+        const HTTPHeaders expected{
+            {"Accept", "application/json"}, {"Authorization", "Basic mine"}, {"X-API-Key", secret.toUtf8()}};
+        QVERIFY(transport->request().headers == expected);
+    }
+
     void takesAnyTimeout()
     {
         const auto transport = std::make_shared<FakeTransport>(200, goodHealth);

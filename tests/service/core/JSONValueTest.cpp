@@ -107,8 +107,9 @@ private Q_SLOTS:
     void seesWhereATextWasCut()
     {
         const QByteArray whole = "{\"a\": [\"\\\"}\", {\"b\": 1}], \"c\": \"]\"}";
-        for (qsizetype length = 0; length < whole.size(); ++length)
+        for (qsizetype length = 0; length < whole.size(); ++length) {
             QVERIFY2(caldra::isTruncatedJSON(whole.left(length)), whole.left(length).constData());
+        }
         QVERIFY(!caldra::isTruncatedJSON(whole));
         QVERIFY(!caldra::isTruncatedJSON(whole + "  x"));
         QVERIFY(!caldra::isTruncatedJSON("<html>"));

@@ -128,8 +128,9 @@ private Q_SLOTS:
     void takesAnythingForAnEmptyPayload()
     {
         for (const char *text :
-             {R"({"data":null})", R"({"data":{"a":1}})", R"({"data":[]})", R"({"data":true})"})
+             {R"({"data":null})", R"({"data":{"a":1}})", R"({"data":[]})", R"({"data":true})"}) {
             QCOMPARE(failure<caldra::Envelope<caldra::EmptyResponse>>(text), u"decoded"_s);
+        }
         QCOMPARE(failure<caldra::Envelope<caldra::EmptyResponse>>("{}"), u"data: the value is missing"_s);
         QCOMPARE(failure<caldra::Envelope<caldra::EmptyResponse>>("[]"),
                  u"expected an object, found a list"_s);

@@ -2,6 +2,7 @@
 
 #include "tests/service/support/LoopbackCertificate.h"
 
+#include <QEventLoop>
 #include <QSslConfiguration>
 #include <QSslKey>
 #include <QSslServer>
@@ -9,6 +10,8 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
+
+#include <future>
 
 using namespace Qt::StringLiterals;
 
@@ -84,12 +87,14 @@ private:
         m_buffer += m_socket->readAll();
         for (;;) {
             const qsizetype headEnd = m_buffer.indexOf("\r\n\r\n");
-            if (headEnd < 0)
+            if (headEnd < 0) {
                 return;
+            }
             ReceivedRequest request = requestFrom(m_buffer.left(headEnd));
             const qsizetype length = request.headers.value("content-length").toLongLong();
-            if (m_buffer.size() < headEnd + 4 + length)
+            if (m_buffer.size() < headEnd + 4 + length) {
                 return;
+            }
             request.body = m_buffer.mid(headEnd + 4, length);
             m_buffer.remove(0, headEnd + 4 + length);
             write(m_server.handle(request));
@@ -130,10 +135,11 @@ private:
     {
         auto *timer = new QTimer(this);
         connect(timer, &QTimer::timeout, this, [this, timer, bytes, at = qsizetype(0)]() mutable {
-            if (at == bytes.size())
+            if (at == bytes.size()) {
                 timer->stop();
-            else
+            } else {
                 m_socket->write(bytes.constData() + at++, 1);
+            }
         });
         timer->start(20);
     }
@@ -150,8 +156,7 @@ class LoopbackServer::Listener : public QObject
 public:
     explicit Listener(LoopbackServer &server)
         : m_server(server)
-        , m_listening(server.m_security == Security::plain ? std::make_unique<QTcpServer>()
-                                                           : encryptedServer())
+        , m_listening(makeServer(server.m_security))
     {
         const auto take = [this] {
             while (QTcpSocket *socket = m_listening->nextPendingConnection()) {
@@ -160,19 +165,33 @@ public:
             }
         };
         connect(m_listening.get(), &QTcpServer::pendingConnectionAvailable, this, take);
-        if (!m_listening->listen(QHostAddress::LocalHost))
+        if (!m_listening->listen(QHostAddress::LocalHost)) {
             qFatal("The loopback server cannot listen.");
+        }
     }
 
     quint16 port() const { return m_listening->serverPort(); }
 
 private:
-    static std::unique_ptr<QTcpServer> encryptedServer()
+    static std::unique_ptr<QTcpServer> makeServer(Security security)
+    {
+        switch (security) {
+        case Security::plain:
+            break;
+        case Security::encrypted:
+            return encryptedServer(loopbackIdentity());
+        case Security::encryptedForAnotherName:
+            return encryptedServer(elsewhereIdentity());
+        }
+        return std::make_unique<QTcpServer>();
+    }
+
+    static std::unique_ptr<QTcpServer> encryptedServer(const Identity &identity)
     {
         auto server = std::make_unique<QSslServer>();
         QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-        configuration.setLocalCertificate(QSslCertificate(loopbackCertificate()));
-        configuration.setPrivateKey(QSslKey(loopbackKey(), QSsl::Ec));
+        configuration.setLocalCertificate(QSslCertificate(identity.certificate));
+        configuration.setPrivateKey(QSslKey(identity.key, QSsl::Ec));
         configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
         server->setSslConfiguration(configuration);
         return server;
@@ -187,24 +206,24 @@ LoopbackServer::LoopbackServer(Handler handler, Security security)
     : m_handler(std::move(handler))
     , m_security(security)
 {
-    m_thread.start();
-    auto *context = new QObject;
-    context->moveToThread(&m_thread);
-    QMetaObject::invokeMethod(
-        context,
-        [this] {
-            m_listener = new Listener(*this);
-            m_port = m_listener->port();
-        },
-        Qt::BlockingQueuedConnection);
-    context->deleteLater();
-    QObject::connect(&m_thread, &QThread::finished, m_listener, &QObject::deleteLater);
+    std::promise<void> listens;
+    std::future<void> listening = listens.get_future();
+    m_thread = std::thread([this, listens = std::move(listens)]() mutable {
+        QEventLoop loop;
+        Listener listener(*this);
+        m_port = listener.port();
+        m_end = new QObject;
+        QObject::connect(m_end, &QObject::destroyed, &loop, &QEventLoop::quit);
+        listens.set_value();
+        loop.exec();
+    });
+    listening.wait();
 }
 
 LoopbackServer::~LoopbackServer()
 {
-    m_thread.quit();
-    m_thread.wait();
+    m_end->deleteLater();
+    m_thread.join();
 }
 
 QString LoopbackServer::host() const

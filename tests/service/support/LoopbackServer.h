@@ -4,11 +4,11 @@
 #include <QMap>
 #include <QMutex>
 #include <QSemaphore>
-#include <QThread>
 #include <QUrl>
 
 #include <functional>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace caldra::tests {
@@ -44,7 +44,11 @@ struct Answer
     static Answer dropped();
 };
 
-enum class Security { plain, encrypted };
+enum class Security {
+    plain,
+    encrypted,
+    encryptedForAnotherName, ///< with the certificate of "elsewhere.example"
+};
 
 /// An HTTP/1.1 server on 127.0.0.1 with a thread of its own, answering as the test says.
 class LoopbackServer
@@ -75,8 +79,8 @@ private:
 
     Handler m_handler;
     Security m_security;
-    QThread m_thread;
-    Listener *m_listener = nullptr;
+    std::thread m_thread;
+    QObject *m_end = nullptr; ///< ends the thread when it is deleted
     quint16 m_port = 0;
     mutable QMutex m_mutex;
     std::vector<ReceivedRequest> m_requests;

@@ -26,8 +26,9 @@ template <class T>
 T resultOf(QFuture<T> future)
 {
     future.waitForFinished();
-    if (future.resultCount() == 0)
+    if (future.resultCount() == 0) {
         throw std::runtime_error("the call was cancelled");
+    }
     return future.result();
 }
 

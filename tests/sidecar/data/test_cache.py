@@ -210,6 +210,20 @@ def test_a_cache_folder_that_cannot_be_made_is_named(prepare, cache_root):
         prepare()
 
 
+def test_a_lock_that_cannot_be_opened_is_a_clear_error(prepare, cache_root):
+    (cache_root / "lock").mkdir(parents=True)
+    with pytest.raises(PreparationError, match=f"could not be written to {cache_root}: Is a directory"):
+        prepare()
+
+
+@pytest.mark.parametrize("kind", ["tokens", "tokenizers"])
+def test_an_entry_that_says_too_little_of_itself_is_rebuilt(prepare, cache_root, kind):
+    first = prepare()
+    (meta,) = cache_root.glob(f"{kind}/*/meta.json")
+    meta.write_text('{"files": {}}')
+    assert prepare().result == first.result
+
+
 def test_leftovers_of_a_killed_preparation_go(prepare, cache_root):
     leftover = cache_root / cache.TEMPORARY / "killed" / "tokens"
     leftover.mkdir(parents=True)

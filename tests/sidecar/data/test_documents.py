@@ -9,7 +9,7 @@ from pathlib import Path
 import pytest
 from invented_text import prose
 
-from src.data import PreparationError, documents, files
+from src.data import PreparationError, documents, files, pipeline
 
 
 def test_sections_joined_are_the_text_however_it_arrives():
@@ -41,6 +41,14 @@ def test_bad_json_lines_are_named_counted_and_skipped(write, prepare):
     ]
     again = prepare()
     assert again.warnings == ["8 lines of c/lines.jsonl could not be used"]
+
+
+def test_bad_lines_are_counted_once_when_the_sample_falls_on_no_document(write, prepare, monkeypatch):
+    monkeypatch.setattr(pipeline, "TOKENIZER_SAMPLE_BYTES", 0)
+    write("c/lines.jsonl", "{\n" * 3 + json.dumps({"text": prose(4000)}))
+    said = "3 lines of c/lines.jsonl could not be used"
+    assert prepare().warnings[-1] == said
+    assert prepare().warnings == [said]
 
 
 def test_only_bad_json_lines_are_too_little(write, prepare):

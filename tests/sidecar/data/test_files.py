@@ -104,6 +104,19 @@ def test_linked_folder_is_read(tmp_path, data_root, prepare):
     assert prepare().result.corpora == ["linked"]
 
 
+def test_the_guess_of_the_size_counts_what_will_be_read(tmp_path, write, data_root):
+    (tmp_path / "elsewhere").mkdir()
+    (tmp_path / "elsewhere" / "text.txt").write_text("x" * 1000)
+    os.symlink(tmp_path / "elsewhere", data_root / "linked")
+    os.symlink("..", data_root / "linked" / "loop")
+    write("a/one.md", "x" * 100)
+    write("a/.hidden.txt", "x" * 10)
+    write("a/photo.jpg", "x")
+    os.mkfifo(data_root / "pipe.txt")
+    assert files.corpus_bytes(data_root) == 1100
+    assert files.corpus_bytes(data_root / "gone") == 0
+
+
 def test_unreadable_file_and_folder_are_named(write, prepare, monkeypatch):
     write("good.txt", TEXT)
     write("locked.txt", TEXT + "locked")

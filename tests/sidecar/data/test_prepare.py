@@ -152,6 +152,27 @@ def test_a_killed_worker_is_an_error_and_leaves_nothing(data_root, cache_root, w
     assert len(run(data_root, cache_root).train) > 0
 
 
+FAULTY_WORKER = """
+from src.data import pipeline, worker
+
+def fail(self):
+    raise ZeroDivisionError("nobody thought of it")
+
+pipeline.Preparation.run = fail
+worker.main()
+"""
+
+
+def test_an_error_that_nobody_thought_of_is_told_and_traced(data_root, cache_root, monkeypatch, capfd):
+    monkeypatch.setattr(prepare, "WORKER", ["-c", FAULTY_WORKER])
+    with pytest.raises(PreparationError) as told:
+        run(data_root, cache_root)
+    assert str(told.value) == (
+        "The preparation of the training data failed unexpectedly: ZeroDivisionError: nobody thought of it"
+    )
+    assert "Traceback" in capfd.readouterr().err
+
+
 def test_the_worker_holds_no_descriptor_of_ours(write, data_root, cache_root, monkeypatch):
     write("one.txt", prose(50_000))
     read_end, write_end = os.pipe()

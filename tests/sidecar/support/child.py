@@ -119,6 +119,7 @@ class Sidecar:
         self.lines: list[bytes] = []
         self.events: list[dict] = []
         self.errors = b""
+        self._errors_grew = threading.Condition()
         self._arrived: queue.SimpleQueue[bytes | None] = queue.SimpleQueue()
         self._reader = threading.Thread(target=self._read, daemon=True)
         self._error_reader = threading.Thread(target=self._read_errors, daemon=True)
@@ -218,6 +219,13 @@ class Sidecar:
             self._arrived.put(line[:-1])
         self._arrived.put(None)
 
+    def wait_for_error_output(self, text: bytes) -> None:
+        """Waits for standard error to hold `text`; standard output may stay unread meanwhile."""
+        with self._errors_grew:
+            assert self._errors_grew.wait_for(lambda: text in self.errors, PATIENCE_S), self.errors
+
     def _read_errors(self) -> None:
         for line in self.process.stderr:
-            self.errors += line
+            with self._errors_grew:
+                self.errors += line
+                self._errors_grew.notify_all()

@@ -3,7 +3,8 @@
 SIGUSR1 makes every file write beyond a kilobyte fail, SIGUSR2 lets it succeed again. POISONED_STEPS lists gradient
 computations, counted from 1, that come out as not-a-number. FULL_MEMORY makes the first one fail as MLX does.
 INFINITE_VALIDATION makes every validation loss infinite.
-HELD_PREPARATION keeps the data preparation busy until it is cancelled. BROKEN_MLX makes the import of MLX's core fail.
+HELD_PREPARATION keeps the data preparation busy until it is cancelled. TOLD_ARCHIVE says "archived" on standard
+error when the archive is there. BROKEN_MLX makes the import of MLX's core fail.
 """
 
 from __future__ import annotations
@@ -57,8 +58,8 @@ def _spoil_validation() -> None:
 
 
 def _hold_preparation() -> None:
-    import src.run
     from src.data import PreparationCancelled, PrepProgress
+    from src.run import preparation
 
     def prepare(data_root, cache_root, *, report, cancelled, **_):
         session = cancelled.__self__._session
@@ -67,7 +68,20 @@ def _hold_preparation() -> None:
             session.wait()
         raise PreparationCancelled
 
-    src.run.prepare_corpus = prepare
+    preparation.prepare_corpus = prepare
+
+
+def _tell_archive() -> None:
+    from src.run import pretraining
+
+    original = pretraining.archive_run
+
+    def archive(*arguments):
+        folder = original(*arguments)
+        print("archived", file=sys.stderr, flush=True)
+        return folder
+
+    pretraining.archive_run = archive
 
 
 def main() -> int:
@@ -83,6 +97,8 @@ def main() -> int:
         _spoil_validation()
     if os.environ.get("HELD_PREPARATION"):
         _hold_preparation()
+    if os.environ.get("TOLD_ARCHIVE"):
+        _tell_archive()
     from src.app_backend import main as run
 
     return run()

@@ -1,0 +1,7 @@
+#include "platform/WindowChrome.h"
+
+namespace zorel::platform {
+
+void unifyTitleBar(quintptr) {}
+
+} // namespace zorel::platform

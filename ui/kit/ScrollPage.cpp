@@ -1,0 +1,71 @@
+#include "ui/kit/ScrollPage.h"
+
+#include "ui/kit/Metrics.h"
+#include "ui/kit/ReadingOrder.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+
+#include <algorithm>
+
+namespace zorel::ui::kit {
+
+ScrollPage::ScrollPage(QWidget *parent)
+    : QScrollArea(parent)
+{
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus);
+    auto *page = new QWidget;
+    m_content = new QVBoxLayout(page);
+    m_content->setContentsMargins(spacing::two, spacing::two, spacing::two, spacing::two);
+    m_content->setSpacing(spacing::two);
+    setWidget(page);
+    // The window's colour, not that of a list.
+    viewport()->setAutoFillBackground(false);
+    page->setAutoFillBackground(false);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget *, QWidget *focused) { reveal(focused); });
+}
+
+ScrollPage::~ScrollPage()
+{
+    // Taking the content down moves the focus, when this is no page any more.
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
+QSize ScrollPage::minimumSizeHint() const
+{
+    return {widget()->minimumSizeHint().width(), 20 * gridUnit};
+}
+
+void ScrollPage::showEvent(QShowEvent *event)
+{
+    applyReadingOrder(this);
+    QScrollArea::showEvent(event);
+}
+
+void ScrollPage::resizeEvent(QResizeEvent *event)
+{
+    const int besideBar = std::max(spacing::two - (width() - viewport()->width()), spacing::half);
+    QMargins margins = m_content->contentsMargins();
+    margins.setLeft(isRightToLeft() ? besideBar : spacing::two);
+    margins.setRight(isRightToLeft() ? spacing::two : besideBar);
+    m_content->setContentsMargins(margins);
+    QScrollArea::resizeEvent(event);
+}
+
+bool ScrollPage::focusNextPrevChild(bool next)
+{
+    applyReadingOrder(this);
+    return QScrollArea::focusNextPrevChild(next);
+}
+
+void ScrollPage::reveal(QWidget *focused)
+{
+    if (focused && focused != widget() && widget()->isAncestorOf(focused)) {
+        ensureWidgetVisible(focused, spacing::two, spacing::two);
+    }
+}
+
+} // namespace zorel::ui::kit

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QScrollArea>
+
+class QVBoxLayout;
+
+namespace zorel::ui::kit {
+
+/// A page as wide as its window that scrolls up and down. What gets the focus is scrolled into view, and
+/// the Tab key follows the reading order, also through what was added later. The scroll bar stands in the
+/// margin, so that nothing moves when it comes or goes.
+class ScrollPage : public QScrollArea
+{
+    Q_OBJECT
+
+public:
+    explicit ScrollPage(QWidget *parent = nullptr);
+    ~ScrollPage() override;
+
+    QVBoxLayout *content() { return m_content; }
+
+    QSize minimumSizeHint() const override;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    void reveal(QWidget *focused);
+
+    QVBoxLayout *m_content;
+};
+
+} // namespace zorel::ui::kit
