@@ -1,9 +1,10 @@
 #include "ui/kit/ChartActions.h"
 
+#include "ui/kit/ContextMenu.h"
+
 #include <QAction>
 #include <QActionGroup>
 #include <QLocale>
-#include <QMenu>
 
 #include <array>
 
@@ -39,7 +40,7 @@ ChartActions::ChartActions(QWidget *chart)
     , m_resetZoom(makeAction(chart, QStringLiteral("Reset Zoom"), {}))
     , m_copyImage(makeAction(chart, QStringLiteral("Copy as Image"), QKeySequence::Copy))
     , m_exportPoints(makeAction(chart, QStringLiteral("Export Points as CSV…"), {}))
-    , m_menu(new QMenu(chart))
+    , m_menu(new ContextMenu(chart))
     , m_smoothingMenu(new QMenu(QStringLiteral("Smoothing"), m_menu))
 {
     m_logarithmic->setCheckable(true);

@@ -1,6 +1,7 @@
 #include "ui/kit/TextLabel.h"
 
 #include "ui/kit/Accessibility.h"
+#include "ui/kit/ContextMenu.h"
 #include "ui/kit/Markdown.h"
 #include "ui/kit/Painting.h"
 
@@ -10,7 +11,6 @@
 #include <QContextMenuEvent>
 #include <QEvent>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyle>
@@ -318,7 +318,7 @@ void TextLabel::contextMenuEvent(QContextMenuEvent *event)
         QWidget::contextMenuEvent(event);
         return;
     }
-    auto *menu = new QMenu(this);
+    auto *menu = new ContextMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     QAction *copy = menu->addAction(tr("Copy"), this, [this] { copySelection(); });
     copy->setEnabled(m_selection.hasSelection());

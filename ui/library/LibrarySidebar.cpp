@@ -1,6 +1,7 @@
 #include "ui/library/LibrarySidebar.h"
 
 #include "library/ModelLibraryStore.h"
+#include "ui/kit/ContextMenu.h"
 #include "ui/kit/Metrics.h"
 #include "ui/kit/Symbols.h"
 #include "ui/library/EmptyPage.h"
@@ -11,7 +12,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
-#include <QMenu>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QStackedWidget>
@@ -166,7 +166,7 @@ void LibrarySidebar::showMenu(const QPoint &position)
     if (!run) {
         return;
     }
-    auto *menu = new QMenu(this);
+    auto *menu = new kit::ContextMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu->addAction(QStringLiteral("Set as comparison baseline")), &QAction::triggered, this,
             [this, id = run->id] { Q_EMIT baselineChosen(id); });

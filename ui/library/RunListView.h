@@ -4,8 +4,7 @@
 
 namespace zorel::ui::library {
 
-/// A list in which nothing gets chosen just because the focus arrives, and whose menu comes at every press of
-/// the right button, however soon after the one before.
+/// A list in which nothing gets chosen just because the focus arrives.
 class RunListView : public QListView
 {
     Q_OBJECT
@@ -15,7 +14,6 @@ public:
 
 protected:
     void focusInEvent(QFocusEvent *event) override;
-    void mouseDoubleClickEvent(QMouseEvent *event) override;
 };
 
 } // namespace zorel::ui::library

@@ -28,7 +28,6 @@ private Q_SLOTS:
     void refreshFindsNewRunsAndKeepsTheChoice();
     void aChosenRunThatIsGoneLeavesTheEmptyPane();
     void theContextMenuOffersBaselineAndReveal();
-    void theContextMenuComesAtASecondQuickPress();
     void aBaselineHasItsBarUntilItIsCleared();
     void comparingNeedsTwoDifferentRuns();
     void comparesTheBaselineWithTheChosenRun();
@@ -122,17 +121,6 @@ void ModelLibraryViewTest::theContextMenuOffersBaselineAndReveal()
              QStringList{m_stage->folders.pathOf(QStringLiteral("runs/2026-01-02_00-00-00"))});
     m_stage->chooseFromMenu(QStringLiteral("poet v1.1.0"), QStringLiteral("Set as comparison baseline"));
     QVERIFY(m_stage->shows(QStringLiteral("Comparing against")));
-}
-
-void ModelLibraryViewTest::theContextMenuComesAtASecondQuickPress()
-{
-    m_stage->addRuns();
-    m_stage->open();
-    const QModelIndex row = m_stage->row(QStringLiteral("poet v1.1.0"));
-    QTest::mouseDClick(m_stage->list()->viewport(), Qt::RightButton, {},
-                       m_stage->list()->visualRect(row).center());
-    const auto *menu = m_stage->view->findChild<QMenu *>();
-    QVERIFY(menu && menu->isVisible());
 }
 
 void ModelLibraryViewTest::aBaselineHasItsBarUntilItIsCleared()
