@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <vector>
 
 namespace zorel::terminal {
@@ -42,15 +43,31 @@ qsizetype editDistance(const QString &from, const QString &to)
     return row.back();
 }
 
-QString unknownOption(const QString &name)
+/// The options for which `name` may have been meant: those that have it as a word of theirs, otherwise the
+/// one that is spelt nearly so.
+QStringList similarOptions(const QString &name)
 {
     const QStringList known = flagNames + valueNames;
-    const auto closest = std::ranges::min_element(
-        known, {}, [&name](const QString &candidate) { return editDistance(name, candidate); });
+    QStringList similar;
+    std::ranges::copy_if(known, std::back_inserter(similar),
+                         [&name](const QString &candidate) { return candidate.split(u'-').contains(name); });
+    if (similar.isEmpty()) {
+        const auto closest = std::ranges::min_element(
+            known, {}, [&name](const QString &candidate) { return editDistance(name, candidate); });
+        // With more than half of its letters changed it is another word.
+        if (editDistance(name, *closest) <= std::min<qsizetype>(3, name.size() / 2)) {
+            similar << *closest;
+        }
+    }
+    return similar;
+}
+
+QString unknownOption(const QString &name)
+{
     QString sentence = QStringLiteral("There is no option %1%2.")
                            .arg(name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--"), name);
-    if (name.size() > 2 && editDistance(name, *closest) <= 3) {
-        sentence += QStringLiteral(" Did you mean --%1?").arg(*closest);
+    if (const QStringList similar = similarOptions(name); !similar.isEmpty()) {
+        sentence += QStringLiteral(" Did you mean --%1?").arg(similar.join(QStringLiteral(" or --")));
     }
     return sentence;
 }

@@ -138,6 +138,11 @@ void TerminalOptionsTest::explainsWrongUsage_data()
     };
     row("--stepz 3", "There is no option --stepz. Did you mean --steps?");
     row("--completely-different", "There is no option --completely-different.");
+    row("--bogus", "There is no option --bogus.");
+    row("--jsno", "There is no option --jsno. Did you mean --json?");
+    row("--name Poet", "There is no option --name. Did you mean --model-name?");
+    row("--model Poet",
+        "There is no option --model. Did you mean --model-name or --model-version or --model-root?");
     row("-x", "There is no option -x.");
     for (const char *steps : {"--steps=0", "--steps=-5", "--steps=10000001", "--steps=1,000", "--steps=ten",
                               "--steps=1.5", "--steps=", "--steps=99999999999999999999"}) {
