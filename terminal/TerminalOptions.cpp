@@ -269,6 +269,7 @@ bool TerminalOptions::changesSettings() const
 TerminalOptions TerminalOptions::parse(const QStringList &arguments, const QString &folder)
 {
     QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     declareOptions(parser);
     const bool parsed = parser.parse(arguments);
     const GivenOptions given(parser, folder);

@@ -16,6 +16,7 @@ class TerminalOptionsTest : public QObject
 private Q_SLOTS:
     void hasQuietDefaults();
     void readsEveryOption();
+    void oneDashDoesAsWell();
     void takesFamiliesByBothNames_data();
     void takesFamiliesByBothNames();
     void makesFoldersAbsolute_data();
@@ -65,6 +66,12 @@ void TerminalOptionsTest::readsEveryOption()
     const TerminalOptions options = parse(line.split(u'|'));
     QVERIFY(options == expected);
     QVERIFY(options.changesSettings());
+}
+
+void TerminalOptionsTest::oneDashDoesAsWell()
+{
+    QVERIFY(parse({QStringLiteral("-steps"), QStringLiteral("5"), QStringLiteral("-json")}) ==
+            parse({QStringLiteral("--steps"), QStringLiteral("5"), QStringLiteral("--json")}));
 }
 
 void TerminalOptionsTest::takesFamiliesByBothNames_data()
@@ -144,6 +151,7 @@ void TerminalOptionsTest::explainsWrongUsage_data()
     row("--model Poet",
         "There is no option --model. Did you mean --model-name or --model-version or --model-root?");
     row("-x", "There is no option -x.");
+    row("-stepz 3", "There is no option --stepz. Did you mean --steps?");
     for (const char *steps : {"--steps=0", "--steps=-5", "--steps=10000001", "--steps=1,000", "--steps=ten",
                               "--steps=1.5", "--steps=", "--steps=99999999999999999999"}) {
         row(steps, qPrintable(QStringLiteral("--steps takes a whole number from 1 to 10000000, not “%1”.")
