@@ -26,7 +26,7 @@ QString shellWord(QString text)
 /// again.
 QString resumeCommand(const TerminalOptions &options, std::int64_t steps)
 {
-    QStringList words{QStringLiteral("zorel-train"), QStringLiteral("--resume"), QStringLiteral("--steps"),
+    QStringList words{shellWord(options.program), QStringLiteral("--resume"), QStringLiteral("--steps"),
                       QString::number(steps)};
     const auto add = [&](const char *option, const std::optional<QString> &value) {
         if (value && options.keep == TerminalOptions::Keep::thisRunOnly) {

@@ -113,6 +113,12 @@ TrainingCapability parseCapability(const QString &text)
     return *capability;
 }
 
+/// A name without a slash is found by the shell.
+QString callableProgram(const QString &typed, const QString &folder)
+{
+    return typed.contains(u'/') ? QDir::cleanPath(QDir(folder).absoluteFilePath(typed)) : typed;
+}
+
 QString absoluteFolder(const QString &name, const QString &text, const QString &folder)
 {
     if (text.isEmpty()) {
@@ -275,6 +281,7 @@ TerminalOptions TerminalOptions::parse(const QStringList &arguments, const QStri
     const GivenOptions given(parser, folder);
 
     TerminalOptions options;
+    options.program = callableProgram(arguments.first(), folder);
     // Whoever asks for help gets it, whatever else is wrong.
     if (given.has("help")) {
         options.task = Task::showHelp;

@@ -28,6 +28,7 @@ struct TerminalOptions
     enum class Start { afresh, resume };
     enum class Keep { thisRunOnly, saved };
 
+    QString program = QStringLiteral("zorel-train"); ///< what a shell calls it by, from any folder
     Task task = Task::train;
     Output output = Output::display;
     Log log = Log::hidden;

@@ -278,11 +278,11 @@ void LiveTerminalTest::leavesTheLineCleanWhenInterrupted()
     session.interrupt(SIGINT);
     QTRY_VERIFY_WITH_TIMEOUT(session.hasEnded(), patience);
     QCOMPARE(session.exitCode(), 0);
-    const QStringList goodbye{
-        text("Stopping… Press Ctrl-C again to stop at once, without a checkpoint."),
-        text("Stopped at step 90 of 200. To go on from the latest checkpoint: zorel-train "
-             "--resume --steps 200"),
-        QString()};
+    const QStringList goodbye{text("Stopping… Press Ctrl-C again to stop at once, without a checkpoint."),
+                              text("Stopped at step 90 of 200. To go on from the latest checkpoint: '%1' "
+                                   "--resume --steps 200")
+                                  .arg(text(ZOREL_TRAIN)),
+                              QString()};
     QTRY_COMPARE_WITH_TIMEOUT(session.rowsFrom(4), goodbye, patience);
     // Nothing was switched that would have to be switched back.
     QVERIFY(!session.output().contains("\x1b[?"));

@@ -16,10 +16,9 @@ backend::protocol::TrainStatusPayload trained(std::int64_t step, std::int64_t ma
     return status;
 }
 
-TerminalOptions parsed(const QStringList &arguments)
+TerminalOptions parsed(const QStringList &arguments, const QString &program = QStringLiteral("zorel-train"))
 {
-    return TerminalOptions::parse(QStringList{QStringLiteral("zorel-train")} + arguments,
-                                  QStringLiteral("/home/ada"));
+    return TerminalOptions::parse(QStringList{program} + arguments, QStringLiteral("/home/ada"));
 }
 
 } // namespace
@@ -30,6 +29,7 @@ class RunReportTest : public QObject
 
 private Q_SLOTS:
     void saysHowToGoOn();
+    void goingOnCallsTheProgramAsItWasCalled();
     void goingOnTakesTheOptionsThatAreNotSaved();
     void savedOptionsNeedNotBeSaidAgain();
     void nothingIsToBeResumedBeforeTheFirstStep();
@@ -40,6 +40,18 @@ void RunReportTest::saysHowToGoOn()
     QCOMPARE(stopReport(trained(1234, 50'000), parsed({QStringLiteral("--log")})),
              QStringLiteral("Stopped at step 1,234 of 50,000. To go on from the latest checkpoint: "
                             "zorel-train --resume --steps 50000"));
+}
+
+void RunReportTest::goingOnCallsTheProgramAsItWasCalled()
+{
+    const auto commandOf = [](const char *program) {
+        return stopReport(trained(1, 9), parsed({}, QString::fromLatin1(program)))
+            .section(QStringLiteral(": "), 1);
+    };
+    QCOMPARE(commandOf("/opt/zorel-train"), QStringLiteral("/opt/zorel-train --resume --steps 9"));
+    QCOMPARE(commandOf("build/My Trainer.app/zorel-train"),
+             QStringLiteral("'/home/ada/build/My Trainer.app/zorel-train' --resume --steps 9"));
+    QCOMPARE(commandOf("./zorel-train"), QStringLiteral("/home/ada/zorel-train --resume --steps 9"));
 }
 
 void RunReportTest::goingOnTakesTheOptionsThatAreNotSaved()
