@@ -68,7 +68,7 @@ Output
 
 Exit status
   0  the model is archived, or you stopped the run
-  1  the training failed, or there is no such run
+  1  the training failed, there is no such run, or the output cannot be written
   2  wrong usage
   3  no training scripts, no Python, or no MLX
 

@@ -19,7 +19,6 @@ using library::ModelRunComparison;
 
 namespace {
 
-constexpr int noSuchRun = 1;
 constexpr qsizetype mostNamesShown = 5;
 
 /// In the library's order.
@@ -58,6 +57,16 @@ LibraryCommand::LibraryCommand(const TerminalOptions &options, const app::settin
 int LibraryCommand::execute()
 {
     m_store.scan(m_finishedModels);
+    const int status = carryOut();
+    if (const std::optional<QString> failure = m_output.failure()) {
+        m_errors.writeError(QStringLiteral("zorel-train: The output cannot be written: %1.").arg(*failure));
+        return failureExitStatus;
+    }
+    return status;
+}
+
+int LibraryCommand::carryOut()
+{
     switch (m_options.task) {
     case TerminalOptions::Task::listRuns:
         return list();
@@ -93,7 +102,7 @@ int LibraryCommand::show()
 {
     const std::optional<ArchivedModelRecord> run = findRun(m_options.runs.value(0));
     if (!run) {
-        return noSuchRun;
+        return failureExitStatus;
     }
     const auto curve = library::summary(m_store.loadLossCurve(*run));
     const auto snapshot = m_store.loadNeuronSnapshot(*run);
@@ -113,7 +122,7 @@ int LibraryCommand::compare()
     const std::optional<ArchivedModelRecord> baseline = findRun(m_options.runs.value(0));
     const std::optional<ArchivedModelRecord> candidate = findRun(m_options.runs.value(1));
     if (!baseline || !candidate) {
-        return noSuchRun;
+        return failureExitStatus;
     }
     const ModelRunComparison comparison{*baseline, *candidate};
     const ComparisonData data = ComparisonData::load(m_store, comparison);

@@ -23,6 +23,7 @@ public:
     int execute();
 
 private:
+    int carryOut();
     int list();
     int show();
     int compare();

@@ -17,7 +17,7 @@ OutputStream::OutputStream(int descriptor)
 void OutputStream::write(const QByteArray &bytes)
 {
     qsizetype written = 0;
-    while (!m_closed && written < bytes.size()) {
+    while (!isClosed() && written < bytes.size()) {
         const ssize_t count = ::write(m_descriptor, bytes.constData() + written,
                                       static_cast<std::size_t>(bytes.size() - written));
         if (count >= 0) {
@@ -27,9 +27,14 @@ void OutputStream::write(const QByteArray &bytes)
             pollfd waiting{m_descriptor, POLLOUT, 0};
             ::poll(&waiting, 1, -1);
         } else if (errno != EINTR) {
-            m_closed = true;
+            m_error = errno;
         }
     }
+}
+
+std::optional<QString> OutputStream::failure() const
+{
+    return isClosed() && m_error != EPIPE ? std::optional(qt_error_string(m_error)) : std::nullopt;
 }
 
 bool OutputStream::isTerminal() const

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
+
+#include <optional>
 
 namespace zorel::terminal {
 
@@ -13,14 +16,16 @@ public:
 
     void write(const QByteArray &bytes);
     /// True as soon as a write has failed: nobody reads any more, or the disk is full.
-    bool isClosed() const { return m_closed; }
+    bool isClosed() const { return m_error != 0; }
+    /// Why a write has failed; nothing when none has, or when the reader merely had enough.
+    std::optional<QString> failure() const;
     bool isTerminal() const;
     /// Width in columns: the terminal's own, else COLUMNS, else 80.
     int columns() const;
 
 private:
     int m_descriptor;
-    bool m_closed = false;
+    int m_error = 0; ///< of the write that failed
 };
 
 } // namespace zorel::terminal

@@ -112,11 +112,11 @@ int exitStatus(TerminalRun::Outcome outcome)
     case TerminalRun::Outcome::stopped:
         return 0;
     case TerminalRun::Outcome::failed:
-        return 1;
+        return failureExitStatus;
     case TerminalRun::Outcome::notStartable:
         return 3;
     }
-    return 1;
+    return failureExitStatus;
 }
 
 } // namespace zorel::terminal

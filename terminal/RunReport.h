@@ -27,6 +27,7 @@ QStringList lastErrorOutput(const std::deque<QString> &logLines, qsizetype most)
 
 /// The process's exit status.
 int exitStatus(TerminalRun::Outcome outcome);
+inline constexpr int failureExitStatus = 1;
 inline constexpr int usageExitStatus = 2;
 
 } // namespace zorel::terminal

@@ -160,7 +160,8 @@ void TrainCommand::finish()
     if (m_run.leftBackendRunning()) {
         m_renderer->showError(QStringLiteral("× The Python backend is still busy; it will end by itself."));
     }
-    QCoreApplication::exit(exitStatus(m_run.outcome()));
+    const bool outputLost = m_streams.output.failure().has_value();
+    QCoreApplication::exit(outputLost ? failureExitStatus : exitStatus(m_run.outcome()));
 }
 
 void TrainCommand::reportFailure()

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void comparesAsJson();
     void complainsOfWhatIsNotThere_data();
     void complainsOfWhatIsNotThere();
+    void anOutputThatCannotBeWrittenIsAFailure();
     void needsNoTrainingScripts();
 
 private:
@@ -228,6 +229,19 @@ void ZorelTrainLibraryTest::complainsOfWhatIsNotThere()
     QCOMPARE(run(arguments), status);
     QCOMPARE(QString::fromUtf8(m_errors), message.replace(text("%1"), m_folders->path()));
     QCOMPARE(m_output, QByteArray());
+}
+
+void ZorelTrainLibraryTest::anOutputThatCannotBeWrittenIsAFailure()
+{
+    QProcess shell;
+    shell.setProcessEnvironment(m_home->environment());
+    shell.start(text("/bin/sh"),
+                {text("-c"), text("exec \"$0\" list --json --finished-models \"$1\" 1</dev/null"),
+                 text(ZOREL_TRAIN), m_folders->path()});
+    QVERIFY(shell.waitForFinished(patience));
+    QCOMPARE(shell.exitCode(), 1);
+    QCOMPARE(shell.readAllStandardError(),
+             QByteArray("zorel-train: The output cannot be written: Bad file descriptor.\n"));
 }
 
 void ZorelTrainLibraryTest::needsNoTrainingScripts()

@@ -62,6 +62,7 @@ private Q_SLOTS:
     void killsOnTheSecondInterruption();
     void leavesAnUnreadyBackendAlone();
     void stopsWhenNobodyReads();
+    void failsWhenTheOutputCannotBeWritten();
     void showsTheTracebackOfADeadBackend();
     void showsTheLogOnRequest();
     void helpsAndTellsItsVersion();
@@ -387,6 +388,17 @@ void ZorelTrainTest::stopsWhenNobodyReads()
     QVERIFY2(m_errors.contains("status 0\n"), m_errors.constData());
     QVERIFY(m_errors.contains("The output cannot be written any more; stopping.\n"));
     QVERIFY(fileContent(commands).endsWith("{\"cmd\":\"stop\"}\n{\"cmd\":\"quit\"}\n"));
+}
+
+void ZorelTrainTest::failsWhenTheOutputCannotBeWritten()
+{
+    TrainHome home;
+    home.play({ready(), does("await", text("start")), status("running", 7, 10, 3, 1)});
+    QProcess shell;
+    shell.setProcessEnvironment(home.environment());
+    shell.start(text("/bin/sh"), {text("-c"), text("exec \"$0\" --json 1</dev/null"), text(ZOREL_TRAIN)});
+    QCOMPARE(finish(shell), 1);
+    QVERIFY(m_errors.contains("The output cannot be written any more; stopping.\n"));
 }
 
 void ZorelTrainTest::showsTheTracebackOfADeadBackend()
