@@ -124,11 +124,12 @@ void measureIdleness(MeasureTable &table)
     scripted.waitForReady();
     bench::runFor(200ms);
 
-    const bench::ProcessorClock processor;
-    bench::runFor(3s);
+    const bench::Rest rest = bench::waitAtRest(3s);
     table.printAtMost(QStringLiteral("launch without the probe, on the main thread"), launch, 10, " ms", 2);
     table.printAtMost(QStringLiteral("three idle seconds of a ready controller: processor time"),
-                      processor.milliseconds(), 1, " ms", 2);
+                      rest.processorMilliseconds, 1, " ms", 2);
+    table.printAtMost(QStringLiteral("three idle seconds of a ready controller: sleeps of a thread"),
+                      static_cast<double>(rest.sleeps), 2, "", 0);
     scripted.controller().killSidecar();
 }
 

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <limits>
 #include <vector>
 
 #include <sys/resource.h>
@@ -39,6 +41,34 @@ private:
 
     double m_start = used();
 };
+
+/// What this process did while its event loop only waited.
+struct Rest
+{
+    /// In the best round: interruptions by others are charged to whoever runs, and can only add to it.
+    double processorMilliseconds = 0;
+    /// How often a thread woke and went to sleep again, in the worst round; the wait itself counts as one.
+    std::int64_t sleeps = 0;
+};
+
+/// Waits for three rounds of so much time.
+inline Rest waitAtRest(std::chrono::milliseconds round)
+{
+    const auto sleepsSoFar = [] {
+        rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return std::int64_t{usage.ru_nvcsw};
+    };
+    Rest rest{std::numeric_limits<double>::max(), 0};
+    for (int count = 0; count < 3; ++count) {
+        const ProcessorClock processor;
+        const std::int64_t before = sleepsSoFar();
+        runFor(round);
+        rest.processorMilliseconds = std::min(rest.processorMilliseconds, processor.milliseconds());
+        rest.sleeps = std::max(rest.sleeps, sleepsSoFar() - before);
+    }
+    return rest;
+}
 
 /// By how much a timer that wants to fire every 5 ms is late, as long as this exists: how long the event loop
 /// is held up.

@@ -8,7 +8,6 @@
 #include "platform/BrokenPipe.h"
 #include "ui/dashboard/MainView.h"
 
-#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QElapsedTimer>
 
@@ -68,8 +67,6 @@ class Watch : public QObject
 public:
     Watch()
     {
-        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, this,
-                [this] { ++wakes; });
         qApp->installEventFilter(this);
         m_clock.start();
     }
@@ -79,7 +76,6 @@ public:
     double processorShare() const { return usedMilliseconds() / seconds() / 10; }
     double usedMilliseconds() const { return m_processor.milliseconds(); }
 
-    int wakes = 0;
     int windowPaints = 0;
     int widgetEvents = 0;
 
@@ -145,13 +141,11 @@ void measureRest(MeasureTable &table)
 {
     Dashboard dashboard(sleepingScript, LogState::shown);
     dashboard.showAndWaitForReady({1600, 1000});
-    const Watch watch;
-    bench::runFor(3s);
-    table.printAtMost(QStringLiteral("three seconds at rest: processor time"), watch.usedMilliseconds(), 1,
+    const bench::Rest rest = bench::waitAtRest(3s);
+    table.printAtMost(QStringLiteral("three seconds at rest: processor time"), rest.processorMilliseconds, 1,
                       " ms", 2);
-    // The timer that ends the measure wakes the loop once.
-    table.printAtMost(QStringLiteral("three seconds at rest: times the event loop woke"), watch.wakes, 2, "",
-                      0);
+    table.printAtMost(QStringLiteral("three seconds at rest: sleeps of a thread"),
+                      static_cast<double>(rest.sleeps), 2, "", 0);
 }
 
 QByteArray pacedScript(const QByteArray &options)
