@@ -22,7 +22,7 @@ TerminalRun::TerminalRun(BackendController &controller, const Request &request, 
     m_refusalLimit.setSingleShot(true);
     connect(&m_refusalLimit, &QTimer::timeout, this, &TerminalRun::endWithoutArchive);
 
-    // Readiness is announced before the controller has sent folders and identity; the start must follow them.
+    // What the backend says along with its readiness comes first: it is no answer to the start.
     connect(&controller, &BackendController::readyChanged, this, &TerminalRun::beginTraining,
             Qt::QueuedConnection);
     connect(&controller, &BackendController::statusChanged, this, &TerminalRun::followStatus);

@@ -7,6 +7,8 @@
 #include "app/settings/ZorelSettings.h"
 #include "backend/bridge/BackendController.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -36,6 +38,7 @@ private Q_SLOTS:
     void followsARunToItsArchive();
     void takesAnErrorWithoutARunForARefusal();
     void goesOnWhenTheRunStartsAfterAnError();
+    void whatComesAlongWithReadinessIsNoAnswer();
     void stopsWaitingForABusyBackend();
     void endsAtOnceWithoutScripts();
     void stopsBeforeTheBackendIsReady();
@@ -108,6 +111,20 @@ void TerminalRunTest::goesOnWhenTheRunStartsAfterAnError()
     stage.run.start();
     QVERIFY(stage.waitForEnd());
     QCOMPARE(stage.run.outcome(), Outcome::archived);
+}
+
+void TerminalRunTest::whatComesAlongWithReadinessIsNoAnswer()
+{
+    QByteArray atOnce;
+    for (const QJsonObject &step : {ready(), error(), status("idle", 0, 2, 0, 0)}) {
+        atOnce +=
+            QJsonDocument(step[QStringLiteral("emit")].toObject()).toJson(QJsonDocument::Compact) + '\n';
+    }
+    Stage stage({does("raw", QString::fromUtf8(atOnce)), does("await", QStringLiteral("start")),
+                 status("running", 1, 2, 3, 1)});
+    stage.run.start();
+    QTRY_COMPARE_WITH_TIMEOUT(stage.controller.status().step, 1, patience);
+    QCOMPARE(stage.run.phase(), TerminalRun::Phase::training);
 }
 
 void TerminalRunTest::stopsWaitingForABusyBackend()
