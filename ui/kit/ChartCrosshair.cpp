@@ -1,7 +1,7 @@
 #include "ui/kit/ChartCrosshair.h"
 
 #include "ui/kit/ChartNavigation.h"
-#include "ui/kit/ChartTrace.h"
+#include "ui/kit/ChartSearch.h"
 
 #include <cmath>
 #include <limits>

@@ -1,6 +1,6 @@
 #include "ui/kit/ChartNavigation.h"
 
-#include "ui/kit/ChartTrace.h"
+#include "ui/kit/ChartSearch.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include "ui/kit/ChartReadout.h"
 
 #include "ui/kit/ChartColors.h"
+#include "ui/kit/ChartSearch.h"
 #include "ui/kit/ChartText.h"
-#include "ui/kit/ChartTrace.h"
 #include "ui/kit/Colors.h"
 #include "ui/kit/Metrics.h"
 

@@ -1,0 +1,96 @@
+#include "ui/kit/ChartSearch.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+
+using namespace zorel::ui::kit;
+
+namespace {
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+const QSize plotSize(300, 100);
+
+ChartProjection projectionOf(const ChartTrack &track)
+{
+    const auto extent = track.extent();
+    return {ChartScale(extent->steps),
+            ChartScale(roomAround(extent->values, track.pyramid().scale()), track.pyramid().scale()),
+            plotSize};
+}
+
+} // namespace
+
+class ChartSearchTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nearestEqualsALookAtEachPoint_data();
+    void nearestEqualsALookAtEachPoint();
+    void nearestOfNothing();
+    void nearestOfEqualPointsIsFoundAtOnce();
+};
+
+void ChartSearchTest::nearestEqualsALookAtEachPoint_data()
+{
+    QTest::addColumn<bool>("sorted");
+    QTest::newRow("steps that grow") << true;
+    QTest::newRow("steps to and fro") << false;
+}
+
+void ChartSearchTest::nearestEqualsALookAtEachPoint()
+{
+    QFETCH(bool, sorted);
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> value(-1, 1);
+    std::uniform_int_distribution<int> anyStep(0, 20'000);
+    ChartTrack track;
+    for (int step = 0; step < 20'000; ++step) {
+        track.append({sorted ? step : anyStep(random), step % 11 == 0 ? notANumber : value(random)});
+    }
+    track.dropOldest(777);
+    const ChartProjection projection = projectionOf(track);
+    const auto costOf = [&](std::uint64_t ordinal, QPointF at) {
+        const ChartPoint &point = track.at(ordinal);
+        return std::pair(std::floor(std::abs(projection.x(static_cast<double>(point.step)) - at.x())),
+                         std::abs(projection.y(point.value) - at.y()));
+    };
+    for (const QPointF at :
+         {QPointF(0, 0), QPointF(150, 50), QPointF(299, 99), QPointF(-50, 10), QPointF(77, 5)}) {
+        auto best = std::pair(1e9, 1e9);
+        for (std::uint64_t ordinal = track.firstOrdinal(); ordinal < track.endOrdinal(); ++ordinal) {
+            if (track.canDraw(ordinal)) {
+                best = std::min(best, costOf(ordinal, at));
+            }
+        }
+        const auto found = nearestPoint(track, projection, at);
+        QVERIFY(found && track.canDraw(*found));
+        QCOMPARE(costOf(*found, at), best);
+    }
+}
+
+void ChartSearchTest::nearestOfNothing()
+{
+    ChartTrack track;
+    const ChartProjection projection{ChartScale(), ChartScale(), plotSize};
+    QVERIFY(!nearestPoint(track, projection, {10, 10}));
+    track.append({1, notANumber});
+    QVERIFY(!nearestPoint(track, projection, {10, 10}));
+}
+
+void ChartSearchTest::nearestOfEqualPointsIsFoundAtOnce()
+{
+    ChartTrack track;
+    for (int i = 0; i < 1'000'000; ++i) {
+        track.append({5, 2.5});
+    }
+    const ChartProjection projection{ChartScale({0, 10}), ChartScale({0, 5}), plotSize};
+    QVERIFY(nearestPoint(track, projection, {150, 50}));
+}
+
+QTEST_APPLESS_MAIN(ChartSearchTest)
+#include "ChartSearchTest.moc"
