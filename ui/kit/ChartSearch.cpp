@@ -14,20 +14,22 @@ struct Candidate
 {
     double distance = 0;
     double secondDistance = 0;
-    int level = 0; ///< of a block; -1 for a point
     std::uint64_t ordinal = 0;
+    int level = 0; ///< of a block; -1 for a point
 
-    /// Of two as near the smaller one, so that the search ends at a point and does not read all that are as
-    /// near; the newest of them.
+    std::uint64_t end() const { return ordinal + (level < 0 ? 1 : ChartPyramid::pointsPerBlock(level)); }
+
+    /// Of those as near the one that holds the newest point: the search goes straight down to it and does not
+    /// read all that are as near.
     friend bool operator<(const Candidate &left, const Candidate &right)
     {
-        return std::tuple(right.distance, right.secondDistance, right.level, left.ordinal) <
-               std::tuple(left.distance, left.secondDistance, left.level, right.ordinal);
+        return std::tuple(right.distance, right.secondDistance, left.end()) <
+               std::tuple(left.distance, left.secondDistance, right.end());
     }
 };
 
 /// The nearest point by a measure that gives for the bounds of a block, or of a point, how far they are: the
-/// first distance counts, among equal ones the second.
+/// first distance counts, among equal ones the second, among those the newest point.
 template <typename Measure>
 std::optional<std::uint64_t> nearest(const ChartTrack &track, Measure &&measure)
 {
@@ -35,7 +37,7 @@ std::optional<std::uint64_t> nearest(const ChartTrack &track, Measure &&measure)
     const auto add = [&](const ChartPyramid::Block &block, int level, std::uint64_t ordinal) {
         if (block.hasValues) {
             const auto [first, second] = measure(block);
-            candidates.push({first, second, level, ordinal});
+            candidates.push({first, second, ordinal, level});
         }
         return true;
     };

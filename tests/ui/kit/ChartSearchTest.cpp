@@ -31,6 +31,8 @@ class ChartSearchTest : public QObject
 private Q_SLOTS:
     void nearestEqualsALookAtEachPoint_data();
     void nearestEqualsALookAtEachPoint();
+    void nearestStepIsTheNewestOfSeveral_data();
+    void nearestStepIsTheNewestOfSeveral();
     void nearestOfNothing();
     void nearestOfEqualPointsIsFoundAtOnce();
 };
@@ -70,6 +72,32 @@ void ChartSearchTest::nearestEqualsALookAtEachPoint()
         const auto found = nearestPoint(track, projection, at);
         QVERIFY(found && track.canDraw(*found));
         QCOMPARE(costOf(*found, at), best);
+    }
+}
+
+void ChartSearchTest::nearestStepIsTheNewestOfSeveral_data()
+{
+    QTest::addColumn<int>("dropped");
+    QTest::newRow("all points") << 0;
+    QTest::newRow("the oldest dropped") << 5;
+}
+
+void ChartSearchTest::nearestStepIsTheNewestOfSeveral()
+{
+    QFETCH(int, dropped);
+    // Four runs over the same steps, in full blocks.
+    constexpr int runLength = 64;
+    ChartTrack track;
+    for (int point = 0; point < 4 * runLength; ++point) {
+        track.append({point % runLength, point % 7 == 0 ? notANumber : 1.0});
+    }
+    track.dropOldest(static_cast<std::size_t>(dropped));
+    for (int step = 0; step < runLength; ++step) {
+        std::uint64_t newest = track.endOrdinal() - runLength + static_cast<std::uint64_t>(step);
+        while (!track.canDraw(newest)) {
+            newest -= runLength;
+        }
+        QCOMPARE(nearestStep(track, step), newest);
     }
 }
 
