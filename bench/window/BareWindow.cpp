@@ -17,7 +17,7 @@ int main(int argc, char **argv)
     new QPushButton(QStringLiteral("Start"), page);
     window.setCentralWidget(page);
     // As large as the program's own, so that both have as many pixels to fill.
-    window.resize(1200, 860);
+    window.resize(1200, 912);
     window.show();
     return QApplication::exec();
 }

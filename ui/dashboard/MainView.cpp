@@ -89,7 +89,8 @@ QSize MainView::minimumSizeHint() const
 
 QSize MainView::sizeHint() const
 {
-    return {1200, 860};
+    // Both columns are seen whole.
+    return {1200, 912};
 }
 
 void MainView::fillConfiguration(const Model &model, QVBoxLayout &column)

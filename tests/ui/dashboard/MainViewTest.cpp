@@ -79,6 +79,7 @@ private Q_SLOTS:
 
     void ordersThePanels();
     void usesTheWidth();
+    void showsTheStepsAndTheControlsAtItsOwnSize();
     void fitsSmallWindows_data();
     void fitsSmallWindows();
     void keepsTheControlsInSight_data();
@@ -200,6 +201,16 @@ void MainViewTest::usesTheWidth()
     QVERIFY(inView<LibraryPanel>().top() > inView<RunControls>().bottom());
     m_view->resize(900, 1000);
     QTRY_VERIFY(inView<ModelTypePanel>().bottom() < inView<ProgressPanel>().top());
+}
+
+void MainViewTest::showsTheStepsAndTheControlsAtItsOwnSize()
+{
+    make({900, 640});
+    m_view->resize(m_view->sizeHint());
+    m_stage->becomeReady();
+    QTRY_VERIFY(shows(m_view.get(), QStringLiteral("Begin training")));
+    QTRY_VERIFY(inView<MaxStepsPanel>().bottom() < inView<RunControls>().top());
+    QVERIFY(inView(page()->viewport()).contains(inView<RunControls>()));
 }
 
 void MainViewTest::fitsSmallWindows_data()
