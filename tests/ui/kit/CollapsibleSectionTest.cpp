@@ -2,8 +2,12 @@
 
 #include "tests/ui/kit/Screen.h"
 #include "ui/kit/ActionButton.h"
+#include "ui/kit/Colors.h"
+#include "ui/kit/Metrics.h"
+#include "ui/kit/Symbols.h"
 #include "ui/kit/TextLabel.h"
 
+#include <QPainter>
 #include <QVBoxLayout>
 
 namespace zorel::tests {
@@ -16,6 +20,7 @@ class CollapsibleSectionTest : public QObject
 
 private Q_SLOTS:
     void isClosedAtFirst();
+    void itsChevronPointsWhereTheContentIs();
     void opensAndClosesByPointer();
     void isOperatedByKeys();
     void readsAsAButtonThatOpens();
@@ -34,6 +39,27 @@ void CollapsibleSectionTest::isClosedAtFirst()
     showAt(section, {300, 200});
     QVERIFY(!section.expanded());
     QVERIFY(!content->isVisible());
+}
+
+void CollapsibleSectionTest::itsChevronPointsWhereTheContentIs()
+{
+    CollapsibleSection section(QStringLiteral("Recent activity"), QStringLiteral("terminal.fill"));
+    showAt(section, {300, 200});
+    SectionHeader &header = *section.header();
+    const QRect place(spacing::half, (header.height() - 14) / 2, 14, 14);
+    const auto chevron = [&](const QString &symbol) {
+        QImage image(place.size(), QImage::Format_RGB32);
+        image.fill(picture(header).pixel(0, 0));
+        QPainter(&image).drawPixmap(
+            0, 0, symbolPixmap(symbol, 14, color(ColorRole::Secondary, header.palette()), 1));
+        return image;
+    };
+    const auto shown = [&] {
+        return picture(header).copy(place).convertToFormat(QImage::Format_RGB32);
+    };
+    QCOMPARE(shown(), chevron(QStringLiteral("chevron.right")));
+    section.setExpanded(true);
+    QCOMPARE(shown(), chevron(QStringLiteral("chevron.down")));
 }
 
 void CollapsibleSectionTest::opensAndClosesByPointer()
