@@ -71,7 +71,7 @@ MainView::MainView(const Model &model, const Actions &actions, QWidget *parent)
     }
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *focused) {
         if (focused != nullptr && m_page->widget()->isAncestorOf(focused)) {
-            bringIntoSight(focused);
+            bringIntoSight(m_page->placeOf(focused));
         }
     });
 }

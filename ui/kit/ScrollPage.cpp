@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QBoxLayout>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -61,10 +62,28 @@ bool ScrollPage::focusNextPrevChild(bool next)
     return QScrollArea::focusNextPrevChild(next);
 }
 
+QWidget *ScrollPage::placeOf(QWidget *widget) const
+{
+    QWidget *place = widget;
+    for (QWidget *around = widget; around && around != this; around = around->parentWidget()) {
+        if (qobject_cast<QAbstractScrollArea *>(around)) {
+            place = around;
+        }
+    }
+    return place;
+}
+
 void ScrollPage::reveal(QWidget *focused)
 {
-    if (focused && focused != widget() && widget()->isAncestorOf(focused)) {
-        ensureWidgetVisible(focused, spacing::two, spacing::two);
+    if (!focused || focused == widget() || !widget()->isAncestorOf(focused)) {
+        return;
+    }
+    QWidget *place = placeOf(focused);
+    const QRect area(place->mapTo(widget(), QPoint()), place->size());
+    if (area.height() <= viewport()->height()) {
+        ensureWidgetVisible(place, spacing::two, spacing::two);
+    } else if (place->visibleRegion().isEmpty()) {
+        verticalScrollBar()->setValue(area.top() - spacing::two);
     }
 }
 

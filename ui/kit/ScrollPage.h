@@ -7,8 +7,9 @@ class QVBoxLayout;
 namespace zorel::ui::kit {
 
 /// A page as wide as its window that scrolls up and down. What gets the focus is scrolled into view, and
-/// the Tab key follows the reading order, also through what was added later. The scroll bar stands in the
-/// margin, so that nothing moves when it comes or goes.
+/// the Tab key follows the reading order, also through what was added later. What is higher than the page
+/// and in sight in part stays where it is. The scroll bar stands in the margin, so that nothing moves when it
+/// comes or goes.
 class ScrollPage : public QScrollArea
 {
     Q_OBJECT
@@ -18,6 +19,9 @@ public:
     ~ScrollPage() override;
 
     QVBoxLayout *content() { return m_content; }
+
+    /// Where something on the page is seen: what scrolls it within the page, or itself.
+    QWidget *placeOf(QWidget *widget) const;
 
     QSize minimumSizeHint() const override;
 

@@ -248,7 +248,10 @@ void CellGrid::focusInEvent(QFocusEvent *event)
     QWidget::focusInEvent(event);
     update();
     if (m_current) {
-        Q_EMIT currentCellChanged(m_geometry.cell(*m_current).toAlignedRect());
+        // The mouse is at a cell of its own, which must not move away beneath it.
+        if (event->reason() != Qt::MouseFocusReason) {
+            Q_EMIT currentCellChanged(m_geometry.cell(*m_current).toAlignedRect());
+        }
         announce(*m_current);
     }
 }

@@ -30,11 +30,7 @@ CellGridView::CellGridView(CellGrid *grid, std::optional<int> maximumHeight, Ind
     if (indicators == Indicators::Never || !maximumHeight) {
         setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     }
-    connect(grid, &CellGrid::currentCellChanged, this, [this](const QRect &area) {
-        const QPoint centre = area.center();
-        ensureVisible(centre.x(), centre.y(), marginOfCurrentCell + area.width() / 2,
-                      marginOfCurrentCell + area.height() / 2);
-    });
+    connect(grid, &CellGrid::currentCellChanged, this, &CellGridView::reveal);
     connect(grid, &CellGrid::neededSizeChanged, this, [this] {
         m_grid->resize(m_grid->sizeHint());
         fitHeight();
@@ -50,6 +46,18 @@ QSize CellGridView::sizeHint() const
 QSize CellGridView::minimumSizeHint() const
 {
     return {0, fittingHeight()};
+}
+
+// Here, and on the pages around, which may be lower than this view.
+void CellGridView::reveal(const QRect &area)
+{
+    for (QWidget *around = this; around; around = around->parentWidget()) {
+        if (auto *page = qobject_cast<QScrollArea *>(around)) {
+            const QPoint centre = m_grid->mapTo(page->widget(), area.center());
+            page->ensureVisible(centre.x(), centre.y(), marginOfCurrentCell + area.width() / 2,
+                                marginOfCurrentCell + area.height() / 2);
+        }
+    }
 }
 
 int CellGridView::fittingHeight() const

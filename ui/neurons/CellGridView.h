@@ -9,7 +9,7 @@ namespace zorel::ui::neurons {
 class CellGrid;
 
 /// A grid as high as it needs to be, up to a height from which it scrolls. The cell that the keyboard is at
-/// stays in view.
+/// stays in view, also on the pages that the view stands on.
 class CellGridView : public QScrollArea
 {
     Q_OBJECT
@@ -32,6 +32,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void reveal(const QRect &area);
     int fittingHeight() const;
     void fitHeight();
 

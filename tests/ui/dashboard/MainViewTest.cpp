@@ -1,5 +1,6 @@
 #include "ui/dashboard/MainView.h"
 
+#include "tests/support/Snapshots.h"
 #include "tests/ui/dashboard/Stage.h"
 #include "ui/dashboard/ActivityLogPanel.h"
 #include "ui/dashboard/FolderAccessBanner.h"
@@ -15,8 +16,11 @@
 #include "ui/dashboard/StatusHeader.h"
 #include "ui/kit/CollapsibleSection.h"
 #include "ui/kit/Colors.h"
+#include "ui/kit/Metrics.h"
 #include "ui/kit/ProgressMeter.h"
 #include "ui/kit/Toast.h"
+#include "ui/neurons/CellGrid.h"
+#include "ui/neurons/CellGridView.h"
 
 #include <QAccessible>
 #include <QLineEdit>
@@ -87,6 +91,7 @@ private Q_SLOTS:
     void tabsInTheOrderOfReading();
     void showsWhatHasTheFocus_data();
     void showsWhatHasTheFocus();
+    void aClickInAHighHeatmapScrollsNothing();
     void showsWhatWasOpened_data();
     void showsWhatWasOpened();
     void togglesTheLogAndGoesThere();
@@ -156,6 +161,7 @@ void MainViewTest::openEverything()
     m_stage->backend.apply(status);
     QTRY_VERIFY(shows(m_view.get(), QStringLiteral("Preparing data")));
     QTRY_VERIFY(m_view->findChild<LogView *>()->isVisible());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
 }
 
 std::vector<QWidget *> MainViewTest::tabStops() const
@@ -299,6 +305,23 @@ void MainViewTest::showsWhatHasTheFocus()
                      qPrintable(stop->accessibleName()));
         }
     }
+}
+
+void MainViewTest::aClickInAHighHeatmapScrollsNothing()
+{
+    make({640, 480});
+    m_stage->backend.apply(makeSnapshot(24, 8));
+    auto *view = m_view->findChild<ui::neurons::CellGridView *>();
+    QTRY_VERIFY(view->isVisible());
+    QTRY_VERIFY(view->grid()->height() > view->height());
+    // Clear of the bar that is pinned to the upper edge.
+    const int above = inView<RunControls>().height() + 2 * ui::kit::spacing::three;
+    page()->verticalScrollBar()->setValue(view->mapTo(page()->widget(), QPoint(0, 0)).y() - above);
+    const int before = page()->verticalScrollBar()->value();
+    const auto &cells = view->grid()->geometryOfCells();
+    QTest::mouseClick(view->grid(), Qt::LeftButton, {}, cells.cell({1, 1}).center().toPoint());
+    QVERIFY(view->grid()->hasFocus());
+    QCOMPARE(page()->verticalScrollBar()->value(), before);
 }
 
 void MainViewTest::showsWhatWasOpened_data()

@@ -22,6 +22,8 @@ private Q_SLOTS:
     void fitsItsWidth();
     void scrollsTheFocusIntoView();
     void scrollsForTheKeyboardAsWell();
+    void showsThePlaceInWhichTheFocusScrolls();
+    void leavesWhatIsHigherThanItselfWhereItIs();
     void hasRoomForWhatIsHigh();
     void scrollBarMovesNothing_data();
     void scrollBarMovesNothing();
@@ -85,6 +87,47 @@ void ScrollPageTest::scrollsForTheKeyboardAsWell()
         QTRY_VERIFY(isInView(page, page.window()->focusWidget()));
     }
     QVERIFY(page.verticalScrollBar()->value() > 0);
+}
+
+void ScrollPageTest::showsThePlaceInWhichTheFocusScrolls()
+{
+    ScrollPage page;
+    page.content()->addWidget(new ActionButton({}, QStringLiteral("First")));
+    auto *inner = new QScrollArea;
+    inner->setFocusPolicy(Qt::NoFocus);
+    inner->setFixedHeight(100);
+    auto *high = new QWidget;
+    high->setFocusPolicy(Qt::StrongFocus);
+    high->setFixedSize(50, 1000);
+    inner->setWidget(high);
+    page.content()->addWidget(inner);
+    addMany(page);
+    showAt(page, {300, 200});
+    page.activateWindow();
+    high->setFocus(Qt::TabFocusReason);
+    QTRY_VERIFY(high->hasFocus());
+    QVERIFY(isInView(page, inner));
+}
+
+void ScrollPageTest::leavesWhatIsHigherThanItselfWhereItIs()
+{
+    ScrollPage page;
+    addMany(page);
+    auto *high = new QWidget;
+    high->setFocusPolicy(Qt::StrongFocus);
+    high->setFixedHeight(2000);
+    page.content()->addWidget(high);
+    addMany(page);
+    showAt(page, {300, 200});
+    page.activateWindow();
+    high->setFocus(Qt::TabFocusReason);
+    QTRY_VERIFY(high->hasFocus());
+    // It was out of sight.
+    QCOMPARE(high->mapTo(page.viewport(), QPoint()).y(), spacing::two);
+    page.findChild<ActionButton *>()->setFocus();
+    page.verticalScrollBar()->setValue(high->y() + 1500);
+    high->setFocus(Qt::MouseFocusReason);
+    QCOMPARE(page.verticalScrollBar()->value(), high->y() + 1500);
 }
 
 void ScrollPageTest::scrollBarMovesNothing_data()

@@ -1,9 +1,12 @@
 #include "ui/neurons/CellGrid.h"
 #include "tests/support/Snapshots.h"
+#include "ui/kit/ScrollPage.h"
 #include "ui/neurons/CellGridView.h"
 #include "ui/neurons/SnapshotCells.h"
 #include "ui/neurons/TierColors.h"
 
+#include <QBoxLayout>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -34,6 +37,9 @@ private Q_SLOTS:
     void drawsALayerOfTenThousandNeurons();
     void paintsOnceForANewSource();
     void scrollsFromItsMaximumHeightAndFollowsTheKeyboard();
+    void aClickScrollsNothing();
+    void thePageAroundFollowsTheKeyboard();
+    void aClickScrollsNoPage();
     void columnsMoveTogetherWhereTheyWouldNotFit();
     void columnsStayApartWhereThatWouldNotDo();
     void columnsStayApartWhereTheyAreToldTo();
@@ -42,6 +48,20 @@ private:
     static std::shared_ptr<SnapshotCells> cells(int layers, int neurons)
     {
         return std::make_shared<SnapshotCells>(makeSnapshot(layers, neurons));
+    }
+    /// On a shown page that is lower than the grid.
+    static CellGrid *addTallGrid(ui::kit::ScrollPage &page)
+    {
+        auto *grid = new CellGrid(QStringLiteral("Grid"));
+        page.content()->addWidget(new CellGridView(grid, std::nullopt, CellGridView::Indicators::WhenNeeded,
+                                                   CellGridView::Columns::StayApart));
+        grid->setSource(cells(60, 5), 14);
+        page.resize(400, 300);
+        page.show();
+        if (!QTest::qWaitForWindowActive(&page)) {
+            qFatal("not active");
+        }
+        return grid;
     }
     static QPoint centre(const CellGrid &grid, CellPosition cell)
     {
@@ -252,6 +272,54 @@ void CellGridTest::scrollsFromItsMaximumHeightAndFollowsTheKeyboard()
     QCOMPARE(view.verticalScrollBar()->value(), 0);
     grid->setCurrentCell({39, 0});
     QTRY_VERIFY(grid->visibleRegion().contains(grid->geometryOfCells().cell({39, 0}).toAlignedRect()));
+}
+
+void CellGridTest::aClickScrollsNothing()
+{
+    QWidget window;
+    auto *column = new QVBoxLayout(&window);
+    auto *grid = new CellGrid(QStringLiteral("Grid"));
+    auto *view =
+        new CellGridView(grid, 100, CellGridView::Indicators::WhenNeeded, CellGridView::Columns::StayApart);
+    column->addWidget(new QLineEdit);
+    column->addWidget(view);
+    grid->setSource(cells(40, 5), 14);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    QVERIFY(!grid->hasFocus());
+    auto *bar = view->verticalScrollBar();
+    bar->setValue(bar->maximum());
+    QTest::mouseClick(grid, Qt::LeftButton, {}, centre(*grid, {37, 2}));
+    QVERIFY(grid->hasFocus());
+    QCOMPARE(grid->currentCell(), (CellPosition{37, 2}));
+    QCOMPARE(bar->value(), bar->maximum());
+}
+
+void CellGridTest::thePageAroundFollowsTheKeyboard()
+{
+    ui::kit::ScrollPage page;
+    CellGrid *grid = addTallGrid(page);
+    const auto seesCurrentCell = [grid] {
+        return grid->visibleRegion().contains(
+            grid->geometryOfCells().cell(*grid->currentCell()).toAlignedRect());
+    };
+    grid->setFocus(Qt::TabFocusReason);
+    QVERIFY(seesCurrentCell());
+    QTest::keyClick(grid, Qt::Key_End, Qt::ControlModifier);
+    QCOMPARE(grid->currentCell(), (CellPosition{59, 4}));
+    QVERIFY(seesCurrentCell());
+    QTest::keyClick(grid, Qt::Key_Home, Qt::ControlModifier);
+    QVERIFY(seesCurrentCell());
+}
+
+void CellGridTest::aClickScrollsNoPage()
+{
+    ui::kit::ScrollPage page;
+    CellGrid *grid = addTallGrid(page);
+    QTest::mouseClick(grid, Qt::LeftButton, {}, centre(*grid, {1, 2}));
+    QVERIFY(grid->hasFocus());
+    QCOMPARE(grid->currentCell(), (CellPosition{1, 2}));
+    QCOMPARE(page.verticalScrollBar()->value(), 0);
 }
 
 void CellGridTest::columnsMoveTogetherWhereTheyWouldNotFit()
