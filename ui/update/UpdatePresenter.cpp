@@ -125,6 +125,8 @@ void UpdatePresenter::tell(const UpdateAlert &alert)
     m_alert->setInformativeText(alert.text);
     QPushButton *close = m_alert->addButton(QMessageBox::Ok);
     m_alert->setDefaultButton(close);
+    // Of two buttons neither is by itself, and such an alert keeps the application from quitting.
+    m_alert->setEscapeButton(close);
     if (alert.link) {
         QPushButton *open = m_alert->addButton(alert.link->title, QMessageBox::ActionRole);
         connect(open, &QPushButton::clicked, this, [this, page = alert.link->page] { m_openPage(page); });

@@ -41,6 +41,8 @@ private Q_SLOTS:
     void anAlertBelongsToTheSheetInFront();
     void anOfferBelongsToTheSheetInFront();
     void theNextAlertTakesTheLastOnesPlace();
+    void everyAlertCanBeClosed_data();
+    void everyAlertCanBeClosed();
 
 private:
     bool shows(const QString &text) const;
@@ -282,6 +284,30 @@ void UpdateSheetTest::theNextAlertTakesTheLastOnesPlace()
     QTRY_VERIFY(!last);
     QVERIFY(m_presenter->alert() && m_presenter->alert()->isVisible());
     QCOMPARE(m_presenter->alert()->parentWidget(), m_window.get());
+}
+
+void UpdateSheetTest::everyAlertCanBeClosed_data()
+{
+    QTest::addColumn<caldra::tests::Answer>("answer");
+    PublishedRelease same;
+    same.version = QStringLiteral("1.0");
+    QTest::newRow("up to date") << caldra::tests::Answer::json(same.answer());
+    QTest::newRow("failed") << caldra::tests::Answer::json("no json");
+}
+
+void UpdateSheetTest::everyAlertCanBeClosed()
+{
+    QFETCH(caldra::tests::Answer, answer);
+    m_fixture->answer(answer);
+    QVERIFY(m_fixture->checkManually());
+    const QPointer<QMessageBox> first = m_presenter->alert();
+    QVERIFY(first && first->isVisible());
+    QTest::keyClick(first, Qt::Key_Escape);
+    QTRY_VERIFY(!first);
+    // What the application's end asks of every window.
+    QVERIFY(m_fixture->checkManually());
+    QVERIFY(m_presenter->alert() && m_presenter->alert()->close());
+    QVERIFY(m_opened.isEmpty());
 }
 
 } // namespace zorel::tests
