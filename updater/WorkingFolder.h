@@ -23,8 +23,12 @@ public:
     /// For the unpacked contents.
     QString staged() const { return m_path + QLatin1String("/staged"); }
 
-    /// Leaves the folder behind, for the installer script.
-    void keep() { m_isKept = true; }
+    /// Leaves the folder behind, for the installer script, and keeps others away until this process ends.
+    void keep()
+    {
+        m_isKept = true;
+        m_lock.release();
+    }
 
 private:
     platform::Descriptor m_lock;

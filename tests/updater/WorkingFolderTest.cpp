@@ -49,6 +49,7 @@ private Q_SLOTS:
     void theTemporaryFolderStandsInForTheCaches();
     void itGoesUnlessItIsKept();
     void onlyOneExistsAtATime();
+    void aKeptOneKeepsOthersAwayUntilTheProcessEnds();
     void foldersOfEarlierDaysAreRemoved();
     void aFolderThatCannotBeMadeIsNamed_data();
     void aFolderThatCannotBeMadeIsNamed();
@@ -118,6 +119,26 @@ void WorkingFolderTest::onlyOneExistsAtATime()
         QCOMPARE(another(), std::optional(UpdateError(UpdateError::RelaunchFailed{QStringLiteral(
                                 "another copy of Talvex LLM Trainer is installing an update")})));
     }
+    QCOMPARE(another(), std::nullopt);
+}
+
+void WorkingFolderTest::aKeptOneKeepsOthersAwayUntilTheProcessEnds()
+{
+    const Folder folder;
+    const auto another = [&folder] {
+        return errorOf([&folder] { const WorkingFolder second(surroundingsIn(folder)); });
+    };
+    const pid_t process = ::fork();
+    if (process == 0) {
+        {
+            WorkingFolder kept(surroundingsIn(folder));
+            kept.keep();
+        }
+        std::_Exit(another() ? 0 : 1);
+    }
+    int status = -1;
+    QCOMPARE(::waitpid(process, &status, 0), process);
+    QCOMPARE(status, 0);
     QCOMPARE(another(), std::nullopt);
 }
 
