@@ -37,9 +37,23 @@ InstallSurroundings InstallSurroundings::system()
 
 platform::Environment toolEnvironment(platform::Environment environment)
 {
-    constexpr const char *meddling[] = {"BASH_ENV",        "ENV",        "BASHOPTS",    "SHELLOPTS",
-                                        "CDPATH",          "GLOBIGNORE", "TAR_OPTIONS", "GZIP",
-                                        "POSIXLY_CORRECT", "BZIP2",      "BZIP"};
+    constexpr const char *meddling[] = {"BASH_ENV",
+                                        "ENV",
+                                        "BASHOPTS",
+                                        "SHELLOPTS",
+                                        "POSIXLY_CORRECT",
+                                        "CDPATH",
+                                        "GLOBIGNORE",
+                                        "TAR_OPTIONS",
+                                        "TAR_READER_OPTIONS",
+                                        "GZIP",
+                                        "BZIP",
+                                        "BZIP2",
+                                        "XZ_DEFAULTS",
+                                        "XZ_OPT",
+                                        "COPYFILE_DISABLE",
+                                        "DITTONORSRC",
+                                        "DITTOABORT"};
     for (const char *name : meddling) {
         environment.remove(name);
     }

@@ -48,11 +48,19 @@ void InstallSurroundingsTest::nothingMeddlesWithTheTools()
 {
     zorel::platform::Environment environment{{"PATH", "/bin"}, {"HOME", "/home/ada"}, {"MY_ENV", "kept"}};
     const zorel::platform::Environment wanted = environment;
-    for (const char *name : {"BASH_ENV", "ENV", "SHELLOPTS", "BASHOPTS", "TAR_OPTIONS", "CDPATH",
-                             "BASH_FUNC_cp%%", "BASH_FUNC_kill%%"}) {
+    for (const char *name :
+         {"BASH_ENV", "ENV", "SHELLOPTS", "BASHOPTS", "POSIXLY_CORRECT", "CDPATH", "GLOBIGNORE",
+          "BASH_FUNC_cp%%", "BASH_FUNC_kill%%", "TAR_OPTIONS", "TAR_READER_OPTIONS", "GZIP", "BZIP", "BZIP2",
+          "XZ_DEFAULTS", "XZ_OPT", "COPYFILE_DISABLE", "DITTONORSRC", "DITTOABORT"}) {
         environment.insert(name, "() { :; }");
     }
     QCOMPARE(toolEnvironment(environment), wanted);
+    // No tool of an installation gets them.
+    qputenv("TAR_OPTIONS", "--absolute-names");
+    const auto given = InstallSurroundings::system().environment;
+    qunsetenv("TAR_OPTIONS");
+    QVERIFY(!given.contains("TAR_OPTIONS"));
+    QVERIFY(given.contains("PATH"));
 }
 
 QTEST_GUILESS_MAIN(InstallSurroundingsTest)
