@@ -43,6 +43,7 @@ private Q_SLOTS:
     void aReleaseThatIsMissingIsNoSheet();
     void withoutAClientTheCheckSaysSo();
     void aFailureEndsWithTheNextCheck();
+    void aFailureLeavesTheOffer();
     void aSkippedVersionIsOfferedByManualChecksAlone();
     void anotherVersionThanTheSkippedOneIsOffered();
     void remindingLaterForgetsTheOfferAlone();
@@ -194,6 +195,18 @@ void UpdateCheckTest::aFailureEndsWithTheNextCheck()
     QVERIFY(!fixture.checker().lastError());
     QVERIFY(fixture.waitForCheck());
     QVERIFY(!fixture.checker().lastError());
+}
+
+void UpdateCheckTest::aFailureLeavesTheOffer()
+{
+    CheckerFixture fixture;
+    QVERIFY(fixture.checkAutomatically());
+    const std::optional<AvailableUpdate> offer = fixture.checker().available();
+    QVERIFY(offer);
+    fixture.answer(Answer::dropped());
+    QVERIFY(fixture.checkAutomatically());
+    QVERIFY(fixture.checker().lastError());
+    QCOMPARE(fixture.checker().available(), offer);
 }
 
 void UpdateCheckTest::aSkippedVersionIsOfferedByManualChecksAlone()
