@@ -3,6 +3,7 @@
 #include "tests/updater/Installation.h"
 
 #include <csignal>
+#include <limits>
 
 #include <sys/resource.h>
 
@@ -34,6 +35,9 @@ private Q_SLOTS:
     void aFailingLauncherFails_data();
     void aFailingLauncherFails();
     void aFullDiskFailsAndTheNextTryWorks();
+    void withoutRoomForItsFileNothingIsDownloaded();
+    void withoutRoomForItsBundleNothingIsInstalled();
+    void theDownloadNamesTheProgram();
     void cancellingWorksInEveryState_data();
     void cancellingWorksInEveryState();
     void progressIsPublishedThirtyTimesASecondAtMost();
@@ -167,6 +171,52 @@ void InstallTaskTest::aFullDiskFailsAndTheNextTryWorks()
     QCOMPARE(installation.run(), std::nullopt);
     QVERIFY(installation.isRelaunched());
     QCOMPARE(InstallStage::versionAt(installation.stage.installed()), QByteArray("2"));
+}
+
+void InstallTaskTest::withoutRoomForItsFileNothingIsDownloaded()
+{
+    Installation installation;
+    installation.host.update.sizeBytes = std::numeric_limits<qint64>::max();
+    const auto error = installation.run();
+    QVERIFY(error);
+    QCOMPARE(error->errorCase(), UpdateError::Case::extractionFailed);
+    QVERIFY2(error->message().contains(QStringLiteral(" has room for ")), qPrintable(error->message()));
+    QVERIFY(installation.host.server.requests().empty());
+    QVERIFY(installation.leftNothing());
+}
+
+void InstallTaskTest::withoutRoomForItsBundleNothingIsInstalled()
+{
+    Installation installation;
+    // Of 512 TiB, as they would be copied; here they are the names of one file that takes up no room.
+    const QByteArray bundle = QFile::encodeName(installation.stage / "New.app");
+    writeFile(installation.stage / "New.app/0", "");
+    QVERIFY(QFile::resize(installation.stage / "New.app/0", qint64{1} << 40));
+    for (int name = 1; name < 512; ++name) {
+        QCOMPARE(::link((bundle + "/0").constData(), (bundle + '/' + QByteArray::number(name)).constData()),
+                 0);
+    }
+    const QString tool = installation.stage / "tar";
+    writeExecutable(tool, "#!/bin/sh\nexec mv '" + bundle + "' \"$4\"\n");
+    installation.surroundings.tools.tar = tool;
+    installation.surroundings.limits.unpackedBytes = std::numeric_limits<qint64>::max();
+    const auto error = installation.run();
+    QVERIFY(error);
+    const QString reason = QStringLiteral("Couldn't unpack the update: ") +
+                           QFileInfo(installation.stage.installed()).path() +
+                           QStringLiteral(" has room for ");
+    QVERIFY2(error->message().startsWith(reason), qPrintable(error->message()));
+    QVERIFY(error->message().endsWith(QStringLiteral(" bytes only, and 562949953421312 are needed")));
+    QVERIFY(installation.stage.callsOf("bash").isEmpty());
+    QVERIFY(installation.leftNothing());
+}
+
+void InstallTaskTest::theDownloadNamesTheProgram()
+{
+    Installation installation;
+    QCOMPARE(installation.run(), std::nullopt);
+    QVERIFY(installation.isRelaunched());
+    QCOMPARE(installation.host.server.lastRequest().headers.value("user-agent"), QByteArray("Trainer/1"));
 }
 
 void InstallTaskTest::cancellingWorksInEveryState_data()
