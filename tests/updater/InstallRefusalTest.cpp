@@ -131,19 +131,23 @@ void InstallRefusalTest::anArchiveWithoutABundleFails()
 void InstallRefusalTest::whatLeadsOutOfTheUpdateFails_data()
 {
     QTest::addColumn<QByteArray>("target");
-    QTest::newRow("absolute") << QByteArray("/etc");
-    QTest::newRow("upwards") << QByteArray("../../../../..");
+    QTest::addColumn<QString>("place");
+    const QString within = QStringLiteral("New.app/Contents");
+    QTest::newRow("absolute") << QByteArray("/etc") << within;
+    QTest::newRow("upwards") << QByteArray("../../../../..") << within;
+    QTest::newRow("absolute, beside the bundle") << QByteArray("/etc") << QStringLiteral("Others");
     // Inside of what is unpacked, but outside of the bundle that is copied from there.
-    QTest::newRow("beside the bundle") << QByteArray("../../sibling");
+    QTest::newRow("to beside the bundle") << QByteArray("../../sibling") << within;
 }
 
 void InstallRefusalTest::whatLeadsOutOfTheUpdateFails()
 {
     QFETCH(QByteArray, target);
+    QFETCH(QString, place);
     Installation installation;
     InstallStage::makeBundle(installation.stage / "contents/New.app", "2");
     writeFile(installation.stage / "contents/sibling", "x");
-    makeLink(installation.stage / "contents/New.app/Contents/out", target);
+    makeLink(installation.stage / (QStringLiteral("contents/") + place + QStringLiteral("/out")), target);
     const QByteArray archive =
         installation.stage.archive(installation.stage / "contents", QStringLiteral("gz"));
     ArtifactHost host(QStringLiteral("a.gz"), archive);
