@@ -20,6 +20,7 @@ public:
 
     QMap<QString, QVariant> values;
     std::vector<Write> writes;
+    int synchronizations = 0;
     /// Called after each write.
     std::function<void(const Write &)> onWrite;
 
@@ -36,6 +37,8 @@ public:
         return value.typeId() == QMetaType::Bool ? std::optional(value.toBool()) : std::nullopt;
     }
     void setBoolean(const QString &key, bool value) override { write(key, value); }
+
+    void synchronize() override { ++synchronizations; }
 
 private:
     void write(const QString &key, const QVariant &value)

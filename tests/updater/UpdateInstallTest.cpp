@@ -65,6 +65,8 @@ void UpdateInstallTest::terminationTellsTheScriptAndEndsTheProcess()
     offer.checker().finishTermination();
     QCOMPARE(contentsOf(sentinel), QByteArray("exited"));
     QCOMPARE(offer.exitStatuses, std::vector{0});
+    // Nothing else would persist the settings: the process ends at once.
+    QCOMPARE(offer.defaults.synchronizations, 1);
     QVERIFY(offer.isInstalled());
 }
 
