@@ -105,18 +105,25 @@ void UpdatePresenter::present()
         return;
     }
     if (!m_sheet) {
+        dismissAlert();
         m_sheet = new UpdateSheet(m_checker, m_openPage, inFrontOf(m_window));
         m_sheet->open();
     }
 }
 
-void UpdatePresenter::tell(const UpdateAlert &alert)
+/// What it told of an earlier check is no longer so, and nothing may belong to it that outlives it.
+void UpdatePresenter::dismissAlert()
 {
     if (m_alert) {
         // No longer in front.
         m_alert->hide();
         m_alert->deleteLater();
     }
+}
+
+void UpdatePresenter::tell(const UpdateAlert &alert)
+{
+    dismissAlert();
     m_alert = new QMessageBox(inFrontOf(m_window));
     m_alert->setAttribute(Qt::WA_DeleteOnClose);
     m_alert->setTextFormat(Qt::PlainText);

@@ -35,6 +35,7 @@ public:
 
 private:
     void present();
+    void dismissAlert();
     void tell(const zorel::updater::UpdateAlert &alert);
 
     zorel::updater::UpdateChecker &m_checker;

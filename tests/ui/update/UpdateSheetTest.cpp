@@ -42,6 +42,8 @@ private Q_SLOTS:
     void anAlertBelongsToTheSheetInFront();
     void anOfferBelongsToTheSheetInFront();
     void theNextAlertTakesTheLastOnesPlace();
+    void anOfferTakesAnAlertsPlace();
+    void anAlertLeavesTheOffer();
     void anAlertsButtonsOnlySayWhatTheyDo();
     void everyAlertCanBeClosed_data();
     void everyAlertCanBeClosed();
@@ -296,6 +298,32 @@ void UpdateSheetTest::theNextAlertTakesTheLastOnesPlace()
     QTRY_VERIFY(!last);
     QVERIFY(m_presenter->alert() && m_presenter->alert()->isVisible());
     QCOMPARE(m_presenter->alert()->parentWidget(), m_window.get());
+}
+
+void UpdateSheetTest::anOfferTakesAnAlertsPlace()
+{
+    m_fixture->answer(caldra::tests::Answer::json("no json"));
+    QVERIFY(m_fixture->checkManually());
+    const QPointer<QMessageBox> last = m_presenter->alert();
+    QVERIFY(last);
+    m_fixture->publish(PublishedRelease());
+    QVERIFY(m_fixture->checkManually());
+    QTRY_VERIFY(!last);
+    QVERIFY(m_presenter->sheet() && m_presenter->sheet()->isVisible());
+    QCOMPARE(m_presenter->sheet()->parentWidget(), m_window.get());
+}
+
+void UpdateSheetTest::anAlertLeavesTheOffer()
+{
+    for (int failures = 0; failures < 2; ++failures) {
+        m_fixture->answer(caldra::tests::Answer::json("no json"));
+        QVERIFY(m_fixture->checkManually());
+        m_fixture->publish(PublishedRelease());
+        QVERIFY(m_fixture->checkManually());
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(m_fixture->checker().presentedUpdate());
+    QVERIFY(m_presenter->sheet() && m_presenter->sheet()->isVisible());
 }
 
 void UpdateSheetTest::anAlertsButtonsOnlySayWhatTheyDo()
