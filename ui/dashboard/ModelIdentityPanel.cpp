@@ -53,9 +53,12 @@ QFormLayout *ModelIdentityPanel::makeForm()
         auto *label = new QLabel(name);
         label->setBuddy(field);
         form->addRow(label, field);
+        return label;
     };
     const auto addLine = [&](const QString &name, const QString &placeholder, const Binding &binding) {
-        addField(name, makeLineField(name, placeholder, binding));
+        QWidget *field = makeLineField(name, placeholder, binding);
+        // A form leaves the names of high fields at their upper edge.
+        addField(name, field)->setMinimumHeight(field->sizeHint().height());
     };
     addLine(QStringLiteral("Name"), QStringLiteral("MyModel"),
             {&ZorelSettings::modelName, &ZorelSettings::setModelName, &ZorelSettings::modelNameChanged});

@@ -2,10 +2,12 @@
 
 #include "tests/ui/dashboard/Stage.h"
 #include "ui/kit/CollapsibleSection.h"
+#include "ui/kit/KitStyle.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
@@ -24,6 +26,7 @@ private Q_SLOTS:
     void isCollapsedAtFirst();
     void showsItsTexts();
     void showsItsSymbol();
+    void namesStandBesideTheirFields();
     void storesAndSendsEachEdit();
     void storesAndSendsTheDescription();
     void sendsNothingWhenSettingsChangeElsewhere();
@@ -67,6 +70,25 @@ QLineEdit *ModelIdentityPanelTest::line(const char *name) const
         }
     }
     return nullptr;
+}
+
+void ModelIdentityPanelTest::namesStandBesideTheirFields()
+{
+    QApplication::setStyle(new ui::kit::KitStyle);
+    ModelIdentityPanel panel(m_stage->backend, m_stage->settings);
+    panel.findChild<ui::kit::CollapsibleSection *>()->setExpanded(true);
+    panel.show();
+    const auto middle = [&panel](const QWidget *widget) {
+        return widget->mapTo(&panel, widget->rect().center()).y();
+    };
+    int lines = 0;
+    for (const QLabel *name : panel.findChildren<QLabel *>()) {
+        if (const auto *field = qobject_cast<QLineEdit *>(name->buddy())) {
+            QTRY_COMPARE(middle(name), middle(field));
+            ++lines;
+        }
+    }
+    QCOMPARE(lines, 4);
 }
 
 void ModelIdentityPanelTest::isCollapsedAtFirst()
