@@ -13,6 +13,7 @@ namespace zorel::ui::kit {
 
 ScrollPage::ScrollPage(QWidget *parent)
     : QScrollArea(parent)
+    , m_leadingMargin(spacing::two)
 {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
@@ -35,6 +36,12 @@ ScrollPage::~ScrollPage()
     disconnect(qApp, nullptr, this, nullptr);
 }
 
+void ScrollPage::setLeadingMargin(int margin)
+{
+    m_leadingMargin = margin;
+    setSideMargins();
+}
+
 QSize ScrollPage::minimumSizeHint() const
 {
     return {widget()->minimumSizeHint().width(), 20 * gridUnit};
@@ -48,12 +55,17 @@ void ScrollPage::showEvent(QShowEvent *event)
 
 void ScrollPage::resizeEvent(QResizeEvent *event)
 {
+    setSideMargins();
+    QScrollArea::resizeEvent(event);
+}
+
+void ScrollPage::setSideMargins()
+{
     const int besideBar = std::max(spacing::two - (width() - viewport()->width()), spacing::half);
     QMargins margins = m_content->contentsMargins();
-    margins.setLeft(isRightToLeft() ? besideBar : spacing::two);
-    margins.setRight(isRightToLeft() ? spacing::two : besideBar);
+    margins.setLeft(isRightToLeft() ? besideBar : m_leadingMargin);
+    margins.setRight(isRightToLeft() ? m_leadingMargin : besideBar);
     m_content->setContentsMargins(margins);
-    QScrollArea::resizeEvent(event);
 }
 
 bool ScrollPage::focusNextPrevChild(bool next)

@@ -18,10 +18,14 @@ public:
     explicit ScrollPage(QWidget *parent = nullptr);
     ~ScrollPage() override;
 
+    /// Its margins above and below are the owner's; those at the sides are the page's own.
     QVBoxLayout *content() { return m_content; }
 
     /// Where something on the page is seen: what scrolls it within the page, or itself.
     QWidget *placeOf(QWidget *widget) const;
+
+    /// Where lines begin, spacing::two unless told.
+    void setLeadingMargin(int margin);
 
     QSize minimumSizeHint() const override;
 
@@ -32,8 +36,10 @@ protected:
 
 private:
     void reveal(QWidget *focused);
+    void setSideMargins();
 
     QVBoxLayout *m_content;
+    int m_leadingMargin;
 };
 
 } // namespace zorel::ui::kit

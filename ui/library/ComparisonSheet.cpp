@@ -66,7 +66,9 @@ ComparisonSheet::ComparisonSheet(const zorel::library::ModelLibraryStore &store,
     column->addStretch(hasCurve ? 0 : 1);
 
     auto *page = new kit::ScrollPage;
-    page->content()->setContentsMargins(0, 0, kit::spacing::one, 0);
+    page->content()->setContentsMargins(0, 0, 0, 0);
+    // In line with the title.
+    page->setLeadingMargin(0);
     page->content()->addWidget(m_body);
     content()->addWidget(page, 1);
     m_outcome->hide();

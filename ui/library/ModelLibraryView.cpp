@@ -102,7 +102,7 @@ QWidget *ModelLibraryView::makeDetailPane()
 {
     auto *page = new kit::ScrollPage;
     // In line with the search field and the buttons above.
-    page->content()->setContentsMargins(kit::spacing::two, 0, kit::spacing::one, kit::spacing::two);
+    page->content()->setContentsMargins(0, 0, 0, kit::spacing::two);
     page->content()->addWidget(m_detail);
     m_detailPage = page;
     // As high as the sidebar's own message, which the search field pushes down.

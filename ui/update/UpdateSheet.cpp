@@ -119,6 +119,7 @@ QWidget *UpdateSheet::makeNotes()
     auto *page = new kit::ScrollPage;
     page->setMinimumHeight(notesHeight);
     page->content()->setContentsMargins(0, 0, 0, 0);
+    page->setLeadingMargin(0);
     page->content()->addWidget(m_notes);
     page->content()->addStretch();
     m_notes->setCopyable();
@@ -166,6 +167,7 @@ QWidget *UpdateSheet::makeFailurePage()
     column->setSpacing(kit::spacing::one);
     m_failureText->setCopyable();
     m_failure->content()->setContentsMargins(0, 0, 0, 0);
+    m_failure->setLeadingMargin(0);
     m_failure->content()->addWidget(m_failureText);
     m_failure->setFixedHeight(m_failureText->minimumSizeHint().height());
     column->addWidget(m_failure);

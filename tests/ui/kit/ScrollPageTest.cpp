@@ -27,6 +27,8 @@ private Q_SLOTS:
     void hasRoomForWhatIsHigh();
     void scrollBarMovesNothing_data();
     void scrollBarMovesNothing();
+    void beginsWhereItIsTold_data();
+    void beginsWhereItIsTold();
 };
 
 namespace {
@@ -158,6 +160,31 @@ void ScrollPageTest::scrollBarMovesNothing()
     page.widget()->setMinimumHeight(2000);
     QTRY_VERIFY(page.verticalScrollBar()->isVisible());
     QTRY_COMPARE(place(), before);
+}
+
+void ScrollPageTest::beginsWhereItIsTold_data()
+{
+    scrollBarMovesNothing_data();
+}
+
+void ScrollPageTest::beginsWhereItIsTold()
+{
+    QFETCH(Qt::LayoutDirection, direction);
+    ScrollPage page;
+    page.setLayoutDirection(direction);
+    auto *card = new Card(QStringLiteral("Card"));
+    page.content()->addWidget(card);
+    showAt(page, {400, 600});
+    const auto leadingRoom = [&] {
+        const int left = card->mapTo(&page, QPoint(0, 0)).x();
+        return direction == Qt::LeftToRight ? left : page.width() - left - card->width();
+    };
+    QTRY_COMPARE(leadingRoom(), spacing::two);
+    page.setLeadingMargin(0);
+    QTRY_COMPARE(leadingRoom(), 0);
+    page.resize(500, 500);
+    QTRY_COMPARE(page.widget()->width(), page.viewport()->width());
+    QCOMPARE(leadingRoom(), 0);
 }
 
 void ScrollPageTest::hasRoomForWhatIsHigh()

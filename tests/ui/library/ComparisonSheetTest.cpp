@@ -51,6 +51,7 @@ private Q_SLOTS:
     void init() { m_stage = std::make_unique<ComparisonStage>(); }
 
     void namesBothRuns();
+    void standsInLineWithItsTitle();
     void warnsWhenFamiliesDiffer();
     void doesNotWarnWhenVersionsDiffer();
     void showsADifference_data();
@@ -78,6 +79,19 @@ DifferenceCard *ComparisonSheetTest::card(const QString &title) const
         }
     }
     qFatal("no such card");
+}
+
+void ComparisonSheetTest::standsInLineWithItsTitle()
+{
+    m_stage->compare({R"({"step":1})"}, {R"({"step":2})"});
+    ComparisonSheet &sheet = m_stage->sheet();
+    sheet.show();
+    const auto left = [&sheet](const QWidget *widget) {
+        return widget->mapTo(&sheet, QPoint(0, 0)).x();
+    };
+    const auto *title = sheet.findChild<ui::kit::TextLabel *>();
+    QCOMPARE(title->text(), QStringLiteral("Compare retrainings"));
+    QTRY_COMPARE(left(card(QStringLiteral("Loss change"))), left(title));
 }
 
 void ComparisonSheetTest::namesBothRuns()
