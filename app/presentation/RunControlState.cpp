@@ -27,7 +27,7 @@ QString lineBetweenRuns(const RunFacts &facts, RunState state)
     if (!facts.ready) {
         return {};
     }
-    if (state == RunState::error && !facts.error.isEmpty()) {
+    if (!facts.error.isEmpty() && (state == RunState::error || state == RunState::idle)) {
         return facts.error;
     }
     if (state == RunState::error || state == RunState::done) {

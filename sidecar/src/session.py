@@ -152,7 +152,8 @@ class TrainingSession:
 
     def _refuse(self, reason: str) -> None:
         self.outbox.error(reason)
-        self.board.publish(state="idle", error=None)
+        max_steps = self.board.current.max_steps or self.max_steps
+        self.board.publish(state="idle", max_steps=max_steps, error=reason)
 
     def _run(self, start: Start) -> None:
         self.profile = TRAINED_PROFILE

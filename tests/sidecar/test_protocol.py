@@ -201,7 +201,9 @@ def test_what_these_scripts_cannot_train_is_refused_in_words(sidecar, family, ca
     assert "(text_language, pretrain)" in message
     assert f"{family} with {capability}" in message
     assert "“Text Language Model” and “Pretrain from scratch”" in message
-    child.wait_for_state("idle")
+    refused = child.wait_for_state("idle")
+    assert refused["error"] == message
+    assert refused["max_steps"] > 0
     child.send(
         "set_training_profile",
         profile={"model_family": family, "training_capability": capability},
@@ -254,9 +256,11 @@ def test_the_identity_counts_until_the_run_is_finished(library, sidecar):
 def test_resume_needs_a_checkpoint_and_the_same_data(library, sidecar):
     child = sidecar()
     child.start(5, resume=True)
-    assert "no checkpoint" in child.wait_for_kind("error")["msg"]
-    child.wait_for_state("idle")
+    message = child.wait_for_kind("error")["msg"]
+    assert "no checkpoint" in message
+    assert child.wait_for_state("idle")["error"] == message
     child.train(5)
+    assert "error" not in [event for event in child.events if event["event"] == "status"][-1]
     (library.data / "sea" / "more.txt").write_text("and now for something different " * 50)
     child.start(9, resume=True)
     assert "training data changed" in child.wait_for_kind("error")["msg"]
