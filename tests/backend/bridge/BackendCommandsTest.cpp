@@ -16,6 +16,7 @@ private Q_SLOTS:
 
     void readyIsAnsweredWithPathsIdentityAndProfile();
     void readyIsAnnouncedWithEverythingInPlace();
+    void startSendsEverythingInSortedOrder_data();
     void startSendsEverythingInSortedOrder();
     void startForgetsSnapshotsAndSelectionAndKeepsTheHistory();
     void aListenerOfASnapshotMayStartTheNextRun();
@@ -30,6 +31,9 @@ void BackendCommandsTest::readyIsAnsweredWithPathsIdentityAndProfile()
 {
     const QString echo = m_sidecar->pathOf(QStringLiteral("commands"));
     m_settings->setModelAuthor(QStringLiteral("  ada "));
+    m_settings->setTrainingDataPath(QStringLiteral("~/data"));
+    m_settings->setFinishedModelsPath(QStringLiteral("~/models"));
+    m_settings->setModelRootPath(QStringLiteral("~/work"));
     play({step(QStringLiteral("echo_commands_to"), echo), emitReady(),
           await(QStringLiteral("set_training_profile"))});
     QTRY_COMPARE_WITH_TIMEOUT(contentOf(echo).count('\n'), 3, patience);
@@ -37,8 +41,8 @@ void BackendCommandsTest::readyIsAnsweredWithPathsIdentityAndProfile()
     QCOMPARE(
         lines.at(0),
         QStringLiteral(R"({"cmd":"set_paths","finished_models":"%1","model_root":"%2","training_data":"%3"})")
-            .arg(m_settings->finishedModelsPath(), m_settings->modelRootPath(),
-                 m_settings->trainingDataPath())
+            .arg(m_sidecar->pathOf(QStringLiteral("models")), m_sidecar->pathOf(QStringLiteral("work")),
+                 m_sidecar->pathOf(QStringLiteral("data")))
             .toUtf8());
     QCOMPARE(lines.at(1),
              QByteArray(R"({"cmd":"set_model_identity","identity":{"author":"ada","license":"MIT",)"
@@ -64,19 +68,26 @@ void BackendCommandsTest::readyIsAnnouncedWithEverythingInPlace()
     QCOMPARE(steps, 300);
 }
 
+void BackendCommandsTest::startSendsEverythingInSortedOrder_data()
+{
+    QTest::addColumn<bool>("resume");
+    QTest::newRow("afresh") << false;
+    QTest::newRow("resumed") << true;
+}
+
 void BackendCommandsTest::startSendsEverythingInSortedOrder()
 {
+    QFETCH(bool, resume);
     const QString echo = m_sidecar->pathOf(QStringLiteral("commands"));
     play({emitReady(), await(QStringLiteral("set_training_profile")),
           step(QStringLiteral("echo_commands_to"), echo), await(QStringLiteral("start"))});
     QTRY_VERIFY_WITH_TIMEOUT(m_controller->ready(), patience);
-    m_controller->startTraining(true);
+    m_controller->startTraining(resume);
     QTRY_COMPARE_WITH_TIMEOUT(
         contentOf(echo),
         QByteArray(R"({"cmd":"start","max_steps":300,"model_family":"text_language",)"
-                   R"("model_identity":{"license":"MIT","name":"MyModel","version":"1.0.0"},"resume":true,)"
-                   R"("training_capability":"pretrain"})"
-                   "\n"),
+                   R"("model_identity":{"license":"MIT","name":"MyModel","version":"1.0.0"},"resume":)") +
+            (resume ? "true" : "false") + ",\"training_capability\":\"pretrain\"}\n",
         patience);
 }
 
@@ -127,9 +138,13 @@ void BackendCommandsTest::startBeforeReadyIsRefusedInTheLog()
     const QString echo = m_sidecar->pathOf(QStringLiteral("commands"));
     play({step(QStringLiteral("echo_commands_to"), echo), await(QStringLiteral("quit")),
           step(QStringLiteral("exit"), 0)});
+    m_controller->apply(protocol::NeuronSnapshotPayload());
+    m_controller->setSelectedNeuron(protocol::NeuronSelection{});
     m_controller->startTraining(false);
     QCOMPARE(log().constLast(),
              QStringLiteral("× Python backend is still starting — wait for “backend ready” in the log"));
+    QVERIFY(m_controller->liveNeurons());
+    QVERIFY(m_controller->selectedNeuron());
     m_controller->sendCommand(QStringLiteral("quit"));
     QTRY_VERIFY_WITH_TIMEOUT(!m_controller->isRunning(), patience);
     QCOMPARE(contentOf(echo), QByteArray("{\"cmd\":\"quit\"}\n"));

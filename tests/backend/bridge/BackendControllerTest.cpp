@@ -41,7 +41,7 @@ private Q_SLOTS:
 
     void beforeReadyItIsIdle();
     void readySetsStatusAndStepsAndLogs();
-    void readyClearsTheFatalError();
+    void onlyReadyClearsTheFatalError();
     void aStatusWithLossAddsAPoint();
     void aStatusWithLossZeroAddsNone();
     void twoStatusesOfOneStepAddOnePoint();
@@ -88,11 +88,15 @@ void BackendControllerTest::readySetsStatusAndStepsAndLogs()
     QCOMPARE(m_controller->lossHistory().size(), std::size_t{1}); // kept
 }
 
-void BackendControllerTest::readyClearsTheFatalError()
+void BackendControllerTest::onlyReadyClearsTheFatalError()
 {
     m_sidecar->scriptsExist = false;
     m_controller->launch();
     QVERIFY(m_controller->fatalError());
+    m_sidecar->scriptsExist = true;
+    m_sidecar->play({step(QStringLiteral("stop_reading"), true)});
+    m_controller->launch();
+    QVERIFY(m_controller->isRunning());
     m_controller->apply(running(1, 1.0));
     QVERIFY(m_controller->fatalError());
     m_controller->apply(protocol::ReadyEvent{100});

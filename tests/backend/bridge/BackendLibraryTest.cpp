@@ -76,6 +76,7 @@ void BackendLibraryTest::aMissingFolderEmptiesTheLibrary()
     m_folders->addRun(QStringLiteral("run"), "{}");
     m_controller->sendPaths();
     QCOMPARE(m_library->models().size(), 1);
+    QCOMPARE(m_controller->archivedCount(), 1);
     m_settings->setFinishedModelsPath(m_folders->pathOf(QStringLiteral("missing")));
     m_controller->sendPaths();
     QVERIFY(m_library->models().isEmpty());

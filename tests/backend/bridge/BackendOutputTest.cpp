@@ -17,6 +17,7 @@ private Q_SLOTS:
 
     void badLinesAreLoggedByTheirStart();
     void anUnknownEventIsLoggedByItsLineAndNotByTheDecodersWords();
+    void carriageReturnsAreNotTrimmed();
     void blankLinesProduceNothing();
     void linesOfStandardErrorAreLoggedWithAPrefix();
     void oddBytesAffectOnlyTheirLine();
@@ -50,6 +51,14 @@ void BackendOutputTest::anUnknownEventIsLoggedByItsLineAndNotByTheDecodersWords(
     QTRY_COMPARE_WITH_TIMEOUT(log().size(), 3, patience);
     QCOMPARE(log().constLast(),
              QStringLiteral("× bad event from backend: {\"event\": \"telemetry\", \"x\": 1}"));
+}
+
+void BackendOutputTest::carriageReturnsAreNotTrimmed()
+{
+    play({step(QStringLiteral("raw"), QStringLiteral(" \rTraceback\r\n\r\n"))});
+    QTRY_COMPARE_WITH_TIMEOUT(log().size(), 4, patience);
+    QCOMPARE(log().mid(2), QStringList({QStringLiteral("× bad event from backend: \rTraceback\r"),
+                                        QStringLiteral("× bad event from backend: \r")}));
 }
 
 void BackendOutputTest::blankLinesProduceNothing()

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void launchingTwiceStartsOneChild();
     void theExitIsLoggedWithItsStatus_data();
     void theExitIsLoggedWithItsStatus();
+    void theExitLeavesWhatTheRunHasShown();
     void aRelaunchKeepsWhatTheLastChildSaidInTheEnd();
     void shutdownEndsARunningChild();
     void theEndOfTheControllerEndsTheChild();
@@ -127,6 +128,23 @@ void BackendProcessTest::theExitIsLoggedWithItsStatus()
     QVERIFY(!m_controller->isRunning());
     m_controller->startTraining(false);
     QVERIFY(m_controller->isRunning());
+}
+
+void BackendProcessTest::theExitLeavesWhatTheRunHasShown()
+{
+    play({emitReady(), await(QStringLiteral("stop")), step(QStringLiteral("exit"), 1)});
+    QTRY_VERIFY_WITH_TIMEOUT(m_controller->ready(), patience);
+    backend::protocol::TrainStatusPayload status;
+    status.state = QStringLiteral("running");
+    status.step = 7;
+    status.loss = 2.5;
+    m_controller->apply(status);
+    m_controller->apply(backend::protocol::NeuronSnapshotPayload());
+    m_controller->sendCommand(QStringLiteral("stop"));
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains(QStringLiteral("backend exited (code 1)")), patience);
+    QVERIFY(m_controller->status() == status);
+    QCOMPARE(m_controller->lossHistory().size(), std::size_t{1});
+    QVERIFY(m_controller->liveNeurons());
 }
 
 void BackendProcessTest::aRelaunchKeepsWhatTheLastChildSaidInTheEnd()
