@@ -6,6 +6,7 @@
 #include "library/ModelLibraryStore.h"
 #include "ui/kit/ActionButton.h"
 #include "ui/kit/Badge.h"
+#include "ui/kit/BoundedText.h"
 #include "ui/kit/Card.h"
 #include "ui/kit/FlowLayout.h"
 #include "ui/kit/LineChart.h"
@@ -28,6 +29,7 @@ using zorel::library::ArchivedModelRecord;
 namespace {
 
 constexpr int chartHeight = 240;
+constexpr int linesOfAName = 3;
 
 QWidget *factWithSymbol(const QString &symbol, const QString &text)
 {
@@ -104,7 +106,7 @@ QWidget *ModelDetailView::makeHeader()
 
     auto *name = new kit::TextLabel(nameAndVersion(*m_model), kit::TextRole::Title, kit::Weight::Semibold);
     name->setCopyable();
-    lines->addWidget(name);
+    lines->addWidget(new kit::BoundedText(name, linesOfAName));
     if (!m_model->author.trimmed().isEmpty()) {
         lines->addWidget(new kit::TextLabel(QStringLiteral("by ") + m_model->author, kit::TextRole::Body,
                                             kit::Weight::Regular, kit::ColorRole::Secondary));

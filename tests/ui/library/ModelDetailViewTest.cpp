@@ -24,6 +24,7 @@ class ModelDetailViewTest : public QObject
 private Q_SLOTS:
     void init();
     void theHeaderSaysWhoAndWhat();
+    void aVeryLongNameLeavesRoomForTheRest();
     void anUnknownFamilyIsShownAsItStands();
     void anEmptyAuthorIsLeftOut();
     void showsTheFigures();
@@ -109,6 +110,22 @@ void ModelDetailViewTest::theHeaderSaysWhoAndWhat()
     }
     QCOMPARE(symbols,
              QStringList({QStringLiteral("cube"), QStringLiteral("gearshape"), QStringLiteral("calendar")}));
+}
+
+void ModelDetailViewTest::aVeryLongNameLeavesRoomForTheRest()
+{
+    const QByteArray name = QByteArray("long ").repeated(60).trimmed();
+    show(R"({"model_identity":{"name":")" + name + R"(","version":"1"}})");
+    m_view->resize(500, 600);
+    m_view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+    const auto labels = m_view->findChildren<ui::kit::TextLabel *>();
+    const auto shown = std::ranges::find(labels, QString::fromLatin1(name) + QStringLiteral(" v1"),
+                                         &ui::kit::TextLabel::text);
+    QVERIFY(shown != labels.end());
+    const int line = (*shown)->fontMetrics().lineSpacing();
+    QTRY_VERIFY((*shown)->height() > 4 * line);
+    QTRY_VERIFY((*shown)->visibleRegion().boundingRect().height() <= 4 * line);
 }
 
 void ModelDetailViewTest::anUnknownFamilyIsShownAsItStands()
