@@ -24,7 +24,11 @@ Sheet::Sheet(const QString &title, QWidget *parent)
     m_buttons->setSpacing(spacing::one);
     m_buttons->addStretch(1);
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(spacing::three, spacing::three, spacing::three, spacing::three);
+    layout->setContentsMargins(0, spacing::three, 0, spacing::three);
+    for (QBoxLayout *part : {static_cast<QBoxLayout *>(m_header), static_cast<QBoxLayout *>(m_content),
+                             static_cast<QBoxLayout *>(m_buttons)}) {
+        part->setContentsMargins(spacing::three, 0, spacing::three, 0);
+    }
     layout->setSpacing(spacing::two);
     layout->addLayout(m_header);
     layout->addLayout(m_content, 1);

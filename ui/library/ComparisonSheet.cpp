@@ -66,13 +66,16 @@ ComparisonSheet::ComparisonSheet(const zorel::library::ModelLibraryStore &store,
     column->addStretch(hasCurve ? 0 : 1);
 
     auto *page = new kit::ScrollPage;
-    page->content()->setContentsMargins(0, 0, 0, 0);
-    // In line with the title.
-    page->setLeadingMargin(0);
+    page->content()->setContentsMargins({});
     page->content()->addWidget(m_body);
+    // The page has margins of its own, in which its scroll bar stands.
+    content()->setContentsMargins(kit::spacing::one, 0, kit::spacing::one, 0);
     content()->addWidget(page, 1);
     m_outcome->hide();
-    content()->addWidget(m_outcome);
+    auto *outcome = new QVBoxLayout;
+    outcome->setContentsMargins(kit::spacing::two, 0, kit::spacing::two, 0);
+    outcome->addWidget(m_outcome);
+    content()->addLayout(outcome);
     resize(parent ? preferredSize.boundedTo(parent->size()) : preferredSize);
 }
 

@@ -67,6 +67,14 @@ ModelLibraryView::ModelLibraryView(ModelLibraryStore &store, const app::settings
     splitter->setChildrenCollapsible(false);
     splitter->setStretchFactor(1, 1);
     splitter->setSizes({sidebarWidth, preferredSize.width() - sidebarWidth});
+    // The scroll bar of the detail pane stands in the sheet's margin.
+    QMargins margins = content()->contentsMargins();
+    if (isRightToLeft()) {
+        margins.setLeft(kit::spacing::one);
+    } else {
+        margins.setRight(kit::spacing::one);
+    }
+    content()->setContentsMargins(margins);
     content()->addWidget(splitter, 1);
     resize(parent ? preferredSize.boundedTo(parent->size()) : preferredSize);
 

@@ -59,6 +59,7 @@ private Q_SLOTS:
     void drawsBothCurvesInOneChart();
     void saysWhichCurveIsMissing();
     void aChartWithoutCurvesIsALineHigh();
+    void itsCardsReachFromTheTitleToTheButtons();
     void saysThatThePictureIsCopied();
     void savesAPictureAndTheFigures();
     void saysWhenAFileCannotBeWritten();
@@ -202,6 +203,23 @@ void ComparisonSheetTest::aChartWithoutCurvesIsALineHigh()
     m_stage->compare({}, {.curve = curveText(10)});
     QCOMPARE(chartHeight(), QWIDGETSIZE_MAX);
     QVERIFY(m_stage->sheet().findChild<ui::kit::LineChart *>()->minimumHeight() > 200);
+}
+
+void ComparisonSheetTest::itsCardsReachFromTheTitleToTheButtons()
+{
+    m_stage->compare({}, {});
+    ComparisonSheet &sheet = m_stage->sheet();
+    sheet.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&sheet));
+    const auto placeOf = [&sheet](const QWidget *widget) {
+        return QRect(widget->mapTo(&sheet, QPoint()), widget->size());
+    };
+    const auto buttons = sheet.findChildren<ui::kit::ActionButton *>();
+    const auto back = std::ranges::find(buttons, QStringLiteral("Back"), &ui::kit::ActionButton::title);
+    QVERIFY(back != buttons.end());
+    QTRY_COMPARE(placeOf(card(QStringLiteral("Training time"))).right(), placeOf(*back).right());
+    QCOMPARE(placeOf(card(QStringLiteral("Loss change"))).left(),
+             placeOf(sheet.findChild<ui::kit::TextLabel *>()).left());
 }
 
 void ComparisonSheetTest::saysThatThePictureIsCopied()

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void anEmptyFolderHasItsMessages();
     void itsMessagesStandAtOneHeight();
     void aChosenRunIsShown();
+    void aChosenRunReachesToTheButtons();
     void refreshFindsNewRunsAndKeepsTheChoice();
     void aChosenRunThatIsGoneLeavesTheEmptyPane();
     void theContextMenuOffersBaselineAndReveal();
@@ -85,6 +86,17 @@ void ModelLibraryViewTest::aChosenRunIsShown()
     QCOMPARE(m_stage->view->detail()->model()->version, QStringLiteral("1.0.0"));
     m_stage->choose(QStringLiteral("poet"));
     QCOMPARE(m_stage->view->detail()->model()->version, QStringLiteral("1.0.0"));
+}
+
+void ModelLibraryViewTest::aChosenRunReachesToTheButtons()
+{
+    m_stage->addRuns();
+    m_stage->open();
+    m_stage->choose(QStringLiteral("poet v1.0.0"));
+    const auto rightOf = [this](const QWidget *widget) {
+        return widget->mapTo(m_stage->view.get(), widget->rect().topRight()).x();
+    };
+    QTRY_COMPARE(rightOf(m_stage->view->detail()), rightOf(m_stage->button(QStringLiteral("Done"))));
 }
 
 void ModelLibraryViewTest::refreshFindsNewRunsAndKeepsTheChoice()
