@@ -22,6 +22,7 @@ private Q_SLOTS:
     void typingInTheListSearches();
     void theShortcutForFindingLeadsToTheSearch();
     void theKeyboardLeadsFromTheSearchToTheRuns();
+    void theKeyboardReachesTheFirstAndTheLastRun();
 
 private:
     std::unique_ptr<LibraryStage> m_stage;
@@ -86,6 +87,36 @@ void LibrarySearchTest::theKeyboardLeadsFromTheSearchToTheRuns()
     QCOMPARE(m_stage->view->detail()->model()->version, QStringLiteral("1.1.0"));
     QTest::keyClick(m_stage->list(), Qt::Key_Down);
     QCOMPARE(m_stage->view->detail()->model()->version, QStringLiteral("1.0.0"));
+}
+
+void LibrarySearchTest::theKeyboardReachesTheFirstAndTheLastRun()
+{
+    m_stage->addRuns();
+    for (int run = 0; run < 40; ++run) {
+        m_stage->folders.addRun(
+            QStringLiteral("runs/%1").arg(run),
+            R"({"model_identity":{"name":"middle"},"archived_at":"2025-01-01T00:00:00Z"})");
+    }
+    m_stage->open();
+    const auto current = [this] {
+        return m_stage->list()->currentIndex().data().toString();
+    };
+    const QString first = QStringLiteral("TINY-lm v3");
+    const QString last = QStringLiteral("poet v1.0.0");
+    QTest::keyClick(m_stage->searchField(), Qt::Key_Down);
+    QCOMPARE(current(), first);
+    QTest::keyClick(m_stage->list(), Qt::Key_End);
+    QCOMPARE(current(), last);
+    QTest::keyClick(m_stage->list(), Qt::Key_Home);
+    QCOMPARE(current(), first);
+    for (int page = 0; page < 20; ++page) {
+        QTest::keyClick(m_stage->list(), Qt::Key_PageDown);
+    }
+    QCOMPARE(current(), last);
+    for (int page = 0; page < 20; ++page) {
+        QTest::keyClick(m_stage->list(), Qt::Key_PageUp);
+    }
+    QCOMPARE(current(), first);
 }
 
 } // namespace zorel::tests
