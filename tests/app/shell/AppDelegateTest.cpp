@@ -61,6 +61,7 @@ private Q_SLOTS:
     void beforeReadyItQuitsNowAndSendsNothing();
     void anIdleSidecarIsToldToStopAndQuitAndNotWaitedFor_data();
     void anIdleSidecarIsToldToStopAndQuitAndNotWaitedFor();
+    void askedAgainItTellsAnIdleSidecarNothingMore();
     void aBusySidecarIsToldToStopAndQuitAndWaitedFor_data();
     void aBusySidecarIsToldToStopAndQuitAndWaitedFor();
     void theWaitAsksFourTimesASecond();
@@ -226,6 +227,18 @@ void AppDelegateTest::anIdleSidecarIsToldToStopAndQuitAndNotWaitedFor()
     QCOMPARE(m_delegate->applicationShouldTerminate(), Reply::now);
     QTRY_COMPARE_WITH_TIMEOUT(exited.count(), 1, 30'000);
     QCOMPARE(commandsAfterReady(), QByteArray("stop quit"));
+}
+
+void AppDelegateTest::askedAgainItTellsAnIdleSidecarNothingMore()
+{
+    launch({ready(), await(QStringLiteral("set_training_profile")), status(QStringLiteral("idle")),
+            await(QStringLiteral("toggle_pause"))});
+    QTRY_COMPARE_WITH_TIMEOUT(m_controller->status().maxSteps, 1, 30'000);
+    QCOMPARE(m_delegate->applicationShouldTerminate(), Reply::now);
+    QCOMPARE(m_delegate->applicationShouldTerminate(), Reply::now);
+    // What comes before this has arrived with it.
+    m_controller->sendCommand(QStringLiteral("toggle_pause"));
+    QTRY_COMPARE_WITH_TIMEOUT(commandsAfterReady(), QByteArray("stop quit toggle_pause"), 30'000);
 }
 
 void AppDelegateTest::aBusySidecarIsToldToStopAndQuitAndWaitedFor_data()

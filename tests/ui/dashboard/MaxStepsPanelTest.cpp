@@ -64,6 +64,8 @@ void MaxStepsPanelTest::showsItsTexts()
         QVERIFY2(shows(m_panel.get(), QString::fromUtf8(text)), text);
     }
     QCOMPARE(m_panel->stepsText(), QString());
+    QCOMPARE(field()->placeholderText(), QString::number(m_stage->backend.desiredMaxSteps()));
+    QVERIFY(!shows(m_panel.get(), QStringLiteral("Type a whole number without grouping, such as 5000.")));
 }
 
 void MaxStepsPanelTest::appliesANumber_data()

@@ -2,6 +2,7 @@
 
 #include "tests/ui/dashboard/Stage.h"
 #include "ui/kit/ChoicePicker.h"
+#include "ui/kit/TextLabel.h"
 
 namespace zorel::tests {
 
@@ -95,6 +96,13 @@ void ModelTypePanelTest::showsItsTexts()
           "Fine-tune existing weights", "LoRA adapter"}) {
         QVERIFY2(shows(m_panel.get(), QString::fromUtf8(text)), text);
     }
+    // Above the pickers, which are named so for those who do not see them.
+    QStringList headings;
+    for (const auto *label : m_panel->findChildren<ui::kit::TextLabel *>()) {
+        headings << label->text();
+    }
+    QVERIFY(headings.contains(QStringLiteral("Model Type")));
+    QVERIFY(headings.contains(QStringLiteral("Training mode")));
     for (const ModelFamily family : app::settings::allModelFamilies) {
         QVERIFY(shows(m_panel.get(), summary(family)));
     }

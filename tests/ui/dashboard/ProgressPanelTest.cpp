@@ -108,6 +108,7 @@ void ProgressPanelTest::isTitledByTheFamily()
 
 void ProgressPanelTest::showsTheFigures()
 {
+    QCOMPARE(figure("Loss"), QStringLiteral("0.0000"));
     apply(Stage::runningStatus());
     QCOMPARE(figure("Loss"), QStringLiteral("2.3457"));
     QCOMPARE(figure("Perplexity"), QStringLiteral("10.4"));
@@ -168,8 +169,14 @@ void ProgressPanelTest::showsThePreparationWhilePreparing()
     status.prepElapsedS = 42.9;
     status.prepEtaS = 3785;
     apply(status);
+    QStringList texts;
+    for (const auto *label : m_panel->findChildren<ui::kit::ElidedLabel *>()) {
+        if (label->isVisible()) {
+            texts << label->text();
+        }
+    }
     for (const char *text : {"Preparing data", "43%", "Tokenizing notes.txt", "42s", "1h03m"}) {
-        QVERIFY2(shows(m_panel.get(), QString::fromLatin1(text)), text);
+        QVERIFY2(texts.contains(QString::fromLatin1(text)), text);
     }
     status.prepEtaS = 0;
     apply(status);

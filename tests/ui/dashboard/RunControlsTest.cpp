@@ -175,6 +175,10 @@ void RunControlsTest::namesThePauseByWhatItDoes()
     QVERIFY(find("Pause") == nullptr && find("Resume") != nullptr);
     QVERIFY(!symbols(m_controls.get()).contains(QStringLiteral("pause.fill")));
     QCOMPARE(qobject_cast<ui::kit::ActionButton *>(find("Resume"))->symbol(), QStringLiteral("play.fill"));
+    m_stage->applyStatus(QStringLiteral("running"));
+    flush();
+    QVERIFY(find("Pause") != nullptr && find("Resume") == nullptr);
+    QVERIFY(symbols(m_controls.get()).contains(QStringLiteral("pause.fill")));
 }
 
 void RunControlsTest::startRelaunchesABackendThatDied()

@@ -68,6 +68,8 @@ void SessionPanelTest::apply(const backend::protocol::TrainStatusPayload &status
 void SessionPanelTest::showsTheFigures()
 {
     QVERIFY(shows(m_panel.get(), QStringLiteral("Session")));
+    QCOMPARE(figure("State"), QStringLiteral("Idle"));
+    QVERIFY(!shows(m_panel.get(), QStringLiteral("Error")));
     apply(Stage::runningStatus());
     QCOMPARE(figure("State"), QStringLiteral("Running"));
     QCOMPARE(figure("Elapsed"), QStringLiteral("1h02m"));

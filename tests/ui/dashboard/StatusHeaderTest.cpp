@@ -58,6 +58,7 @@ void StatusHeaderTest::cleanup()
 void StatusHeaderTest::saysThatTheBackendStarts()
 {
     QVERIFY(shows(m_header.get(), starting));
+    QVERIFY(!shows(m_header.get(), QStringLiteral("Idle")));
     m_stage->becomeReady();
     m_updates->publish();
     QVERIFY(!shows(m_header.get(), starting));
