@@ -6,6 +6,7 @@
 #include "platform/ColorScheme.h"
 #include "platform/Environment.h"
 #include "platform/StandardFolders.h"
+#include "ui/kit/ContextMenuKey.h"
 #include "ui/kit/KitStyle.h"
 
 #include <QApplication>
@@ -42,6 +43,8 @@ int runApplication(int argc, char **argv)
     QApplication application(argc, argv);
     ui::kit::installKitStyle(platform::prefersDarkWindows(platform::currentEnvironment(),
                                                           platform::StandardFolders::current().home));
+    ui::kit::ContextMenuKey contextMenuKey;
+    application.installEventFilter(&contextMenuKey);
     QApplication::setApplicationDisplayName(app.displayName());
     QApplication::setDesktopFileName(QStringLiteral("com.talvex.zorel"));
     QApplication::setQuitOnLastWindowClosed(

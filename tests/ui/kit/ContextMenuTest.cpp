@@ -1,6 +1,7 @@
 #include "ui/kit/ContextMenu.h"
 
 #include "tests/ui/kit/Screen.h"
+#include "ui/kit/ContextMenuKey.h"
 
 #include <QContextMenuEvent>
 #include <QStyleHints>
@@ -19,6 +20,7 @@ class Ground : public QWidget
 public:
     QMenu *menu = nullptr;
     int opened = 0;
+    QContextMenuEvent::Reason reason = QContextMenuEvent::Other;
 
 protected:
     void contextMenuEvent(QContextMenuEvent *event) override
@@ -28,6 +30,7 @@ protected:
         menu->addAction(QStringLiteral("Copy"));
         menu->popup(event->globalPos());
         ++opened;
+        reason = event->reason();
     }
 };
 
@@ -40,6 +43,7 @@ class ContextMenuTest : public QObject
 private Q_SLOTS:
     void staysOpenAfterTheReleaseOfTheButton();
     void staysOpenAtASecondQuickPress();
+    void opensWithoutAMenuKey();
 };
 
 void ContextMenuTest::staysOpenAfterTheReleaseOfTheButton()
@@ -67,6 +71,25 @@ void ContextMenuTest::staysOpenAtASecondQuickPress()
     QGuiApplication::styleHints()->setMouseDoubleClickInterval(60 * 60 * 1000);
     QTest::mouseClick(ground.windowHandle(), Qt::RightButton, {}, {100, 100});
     QCOMPARE(ground.opened, 2);
+    QVERIFY(ground.menu->isVisible());
+}
+
+void ContextMenuTest::opensWithoutAMenuKey()
+{
+    ContextMenuKey key;
+    qApp->installEventFilter(&key);
+    Ground ground;
+    QWidget field(&ground);
+    field.setFocusPolicy(Qt::StrongFocus);
+    ground.resize(200, 200);
+    ground.show();
+    QVERIFY(QTest::qWaitForWindowActive(&ground));
+    field.setFocus();
+    QTest::keyClick(ground.windowHandle(), Qt::Key_F10);
+    QCOMPARE(ground.opened, 0);
+    QTest::keyClick(ground.windowHandle(), Qt::Key_F10, Qt::ShiftModifier);
+    QCOMPARE(ground.opened, 1);
+    QCOMPARE(ground.reason, QContextMenuEvent::Keyboard);
     QVERIFY(ground.menu->isVisible());
 }
 
