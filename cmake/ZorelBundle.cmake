@@ -10,8 +10,8 @@ include(ZorelInformation)
 set(ZOREL_DISPLAY_NAME "Talvex LLM Trainer")
 set(ZOREL_BUNDLE "${PROJECT_BINARY_DIR}/${ZOREL_DISPLAY_NAME}.app")
 
-set(CALDRA_API_KEY "" CACHE STRING "Key of the maker's web services; without both keys the program looks for no updates")
-set(CALDRA_ORGANIZATION_ID "" CACHE STRING "The maker's organization at the web services")
+set(CALDRA_API_KEY "" CACHE STRING "Key of the maker's web services; without it the program looks for no updates")
+set(CALDRA_ORGANIZATION_ID "" CACHE STRING "The maker's organization at the web services; empty means the one built into the library")
 
 # A file of the bundle that is copied from elsewhere; declared file by file, so that whatever is deleted comes back.
 function(zorel_bundle_file source destination)
