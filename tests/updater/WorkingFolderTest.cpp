@@ -53,6 +53,8 @@ private Q_SLOTS:
     void foldersOfEarlierDaysAreRemoved();
     void aFolderThatCannotBeMadeIsNamed_data();
     void aFolderThatCannotBeMadeIsNamed();
+    void aFolderThatEverybodyMayChangeIsRefused_data();
+    void aFolderThatEverybodyMayChangeIsRefused();
 };
 
 void WorkingFolderTest::itStandsInTheCachesAndIsPrivate()
@@ -195,6 +197,24 @@ void WorkingFolderTest::aFolderThatCannotBeMadeIsNamed()
     QVERIFY2(error->message().contains(QStringLiteral("the folder ") + (folder / inTheWay)),
              qPrintable(error->message()));
     QCOMPARE(namesIn(folder / "elsewhere"), QStringList());
+}
+
+void WorkingFolderTest::aFolderThatEverybodyMayChangeIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("ours") << QStringLiteral("Library/Caches/com.talvex.zorel");
+    QTest::newRow("the updater's") << QStringLiteral("Library/Caches/com.talvex.zorel/Updater");
+}
+
+void WorkingFolderTest::aFolderThatEverybodyMayChangeIsRefused()
+{
+    QFETCH(QString, name);
+    const Folder folder;
+    QDir().mkpath(folder / name);
+    QCOMPARE(::chmod(QFile::encodeName(folder / name).constData(), 0777), 0);
+    const auto error = errorOf([&] { const WorkingFolder working(surroundingsIn(folder)); });
+    QCOMPARE(error, extractionFailed(QStringLiteral("the folder %1 could not be made: %2")
+                                         .arg(folder / name, qt_error_string(EPERM))));
 }
 
 QTEST_GUILESS_MAIN(WorkingFolderTest)
