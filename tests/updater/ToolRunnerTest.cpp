@@ -46,10 +46,11 @@ bool isAlive(const QString &processIdFile)
     return processId > 0 && ::kill(processId, 0) == 0;
 }
 
-/// What a tool that waits for ever tells of itself and of a child of its own.
+/// What a tool that waits for ever, and heeds no request to end, tells of itself and of a child of its own.
 QString waitingScript(const Folder &folder)
 {
-    return QStringLiteral("sleep 1000 & echo $! > '%1/child'; echo $$ > '%1/tool'; echo started; wait")
+    return QStringLiteral(
+               "trap '' TERM; sleep 1000 & echo $! > '%1/child'; echo $$ > '%1/tool'; echo started; wait")
         .arg(folder.path());
 }
 
