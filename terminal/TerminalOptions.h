@@ -28,7 +28,7 @@ struct TerminalOptions
     enum class Start { afresh, resume };
     enum class Keep { thisRunOnly, saved };
 
-    QString program = QStringLiteral("zorel-train"); ///< what a shell calls it by, from any folder
+    QString program; ///< what a shell calls it by, from any folder; empty unless parsed
     Task task = Task::train;
     Output output = Output::display;
     Log log = Log::hidden;
