@@ -1,28 +1,15 @@
 #include "ui/kit/ChartSearch.h"
 
+#include "tests/ui/kit/ChartPlot.h"
+
 #include <QTest>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <random>
 
+using namespace zorel::tests;
 using namespace zorel::ui::kit;
-
-namespace {
-
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-const QSize plotSize(300, 100);
-
-ChartProjection projectionOf(const ChartTrack &track)
-{
-    const auto extent = track.extent();
-    return {ChartScale(extent->steps),
-            ChartScale(roomAround(extent->values, track.pyramid().scale()), track.pyramid().scale()),
-            plotSize};
-}
-
-} // namespace
 
 class ChartSearchTest : public QObject
 {

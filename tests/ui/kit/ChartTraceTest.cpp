@@ -1,5 +1,6 @@
 #include "ui/kit/ChartTrace.h"
 
+#include "tests/ui/kit/ChartPlot.h"
 #include "ui/kit/LineRaster.h"
 
 #include <QImage>
@@ -7,23 +8,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <random>
 
+using namespace zorel::tests;
 using namespace zorel::ui::kit;
 
 namespace {
-
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-const QSize plotSize(300, 100);
-
-ChartProjection projectionOf(const ChartTrack &track)
-{
-    const auto extent = track.extent();
-    return {ChartScale(extent->steps),
-            ChartScale(roomAround(extent->values, track.pyramid().scale()), track.pyramid().scale()),
-            plotSize};
-}
 
 QImage blank()
 {
